@@ -1,0 +1,44 @@
+// What the export side knows of one frame: its pixels' layout and the values published with it.
+#ifndef KXHOST_EXPORT_FRAME_H
+#define KXHOST_EXPORT_FRAME_H
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace kxhost {
+
+/// The memory instances a frame can come from, numbered as the plug-in numbers them.
+enum class Instance : int {
+    kRaw = 0,       ///< pixels as the camera delivered them
+    kConverted = 1, ///< pixels in the conversion format
+};
+
+/// Layout of the pixels of one picture. Lines follow each other without padding.
+struct FrameInfo {
+    Instance instance = Instance::kRaw;
+    std::uint32_t width = 0;  ///< pixels
+    std::uint32_t height = 0; ///< pixels
+    std::string codec;        ///< as the plug-in publishes it, e.g. "MONO12PT", "BayerRG8T", "UYVY"
+    std::uint64_t timestampUs = 0; ///< start of the exposure on the host's clock, us since 1970
+};
+
+/// The scenario parameters as they stood when a frame was exported; empty = not published.
+/// kx_scenario.h says what each one means.
+struct ScenarioValues {
+    std::optional<std::uint32_t> width;
+    std::optional<std::uint32_t> height;
+    std::optional<std::string> codec;
+    std::optional<float> gainDb;
+    std::optional<float> exposureUs;
+    std::optional<std::uint32_t> unit;
+    std::optional<std::uint64_t> cameraTimeUs;
+    std::optional<std::uint32_t> frameCounter;
+    std::optional<std::uint64_t> timestampUs;
+    std::optional<std::uint32_t> rxData;
+    std::optional<std::uint32_t> rxBits;
+};
+
+} // namespace kxhost
+
+#endif
