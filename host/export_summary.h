@@ -18,7 +18,8 @@ struct GrabSummary {
     std::uint64_t retrieved = 0; ///< frames that arrived from the camera
     std::uint64_t missing = 0;   ///< failed retrievals
     std::uint64_t timing = 0;  ///< retrieved frames that only started the timing (first of a pass)
-    std::uint64_t gaps = 0;    ///< frames that the camera's counter says were never delivered
+    bool counterKnown = false; ///< the camera embeds its frame counter
+    std::uint64_t gaps = 0;    ///< frames that this counter skipped between retrieved frames
     std::uint64_t refused = 0; ///< retrieved frames refused for other reasons than the export's
     ExportTotals exported;     ///< what became of the frames after that
     double seconds = 0;        ///< from the first to the last retrieved frame

@@ -1,0 +1,122 @@
+// Files of the export: pictures that are whole or absent, and a file that grows by whole lines.
+#include "export_file.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <filesystem>
+#include <system_error>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace kxhost {
+
+namespace {
+
+/// "Cannot write <path>: <the system's reason for `code`>."
+std::string cannot(std::string_view what, const std::string& path, int code)
+{
+    return "Cannot " + std::string(what) + " " + path + ": " +
+           std::generic_category().message(code) + ".";
+}
+
+int openForWriting(const std::string& path)
+{
+    return ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
+}
+
+/// Writes everything. Returns 0 or the error number.
+int writeAll(int fd, const void* data, std::size_t size)
+{
+    const char* at = static_cast<const char*>(data);
+    while (size > 0) {
+        const ssize_t count = ::write(fd, at, size);
+        if (count < 0 && errno != EINTR) {
+            return errno;
+        }
+        if (count > 0) {
+            at += count;
+            size -= static_cast<std::size_t>(count);
+        }
+    }
+    return 0;
+}
+
+/// "folder/.name.part": hidden, and on the same file system as the file it will become.
+std::string temporaryName(const std::string& path)
+{
+    const std::filesystem::path final(path);
+    return (final.parent_path() / ("." + final.filename().string() + ".part")).string();
+}
+
+} // namespace
+
+std::string writeWholeFile(const std::string& path, std::span<const std::uint8_t> bytes)
+{
+    const std::string temporary = temporaryName(path);
+    const int fd = openForWriting(temporary);
+    if (fd < 0) {
+        return cannot("write", path, errno);
+    }
+    int code = writeAll(fd, bytes.data(), bytes.size());
+    if (::close(fd) != 0 && code == 0) {
+        code = errno;
+    }
+    if (code == 0 && ::rename(temporary.c_str(), path.c_str()) != 0) {
+        code = errno;
+    }
+    if (code != 0) {
+        ::unlink(temporary.c_str());
+        return cannot("write", path, code);
+    }
+    return "";
+}
+
+std::string prepareFolder(const std::string& folder)
+{
+    std::error_code code;
+    std::filesystem::create_directories(folder, code);
+    if (code) {
+        return cannot("create the folder", folder, code.value());
+    }
+    if (::access(folder.c_str(), W_OK | X_OK) != 0) {
+        return cannot("write into the folder", folder, errno);
+    }
+    return "";
+}
+
+LineFile::~LineFile()
+{
+    close();
+}
+
+std::string LineFile::open(const std::string& path)
+{
+    close();
+    path_ = path;
+    length_ = 0;
+    fd_ = openForWriting(path);
+    return fd_ < 0 ? cannot("write", path, errno) : "";
+}
+
+std::string LineFile::append(std::string_view line)
+{
+    const int code = writeAll(fd_, line.data(), line.size());
+    if (code == 0) {
+        length_ += line.size();
+        return "";
+    }
+    // Nothing more can be done when taking back fails as well; the error is reported either way.
+    [[maybe_unused]] const int cut = ::ftruncate(fd_, static_cast<off_t>(length_));
+    return cannot("write", path_, code);
+}
+
+void LineFile::close()
+{
+    if (fd_ >= 0) {
+        ::close(fd_);
+        fd_ = -1;
+    }
+}
+
+} // namespace kxhost

@@ -1,0 +1,46 @@
+// Files of the export: pictures that are whole or absent, and a file that grows by whole lines.
+#ifndef KXHOST_EXPORT_FILE_H
+#define KXHOST_EXPORT_FILE_H
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace kxhost {
+
+/// Writes `bytes` under a temporary name in the same folder and then renames it to `path`, so that
+/// nobody ever sees half a file. What stood there is replaced. Returns an empty text, or one
+/// sentence that names the file and the system's reason; nothing is left behind then. Thread-safe.
+std::string writeWholeFile(const std::string& path, std::span<const std::uint8_t> bytes);
+
+/// Makes `folder` (and what is above it) and checks that files can be created in it. Returns an
+/// empty text or the reason.
+std::string prepareFolder(const std::string& folder);
+
+/// A text file that only ever holds whole lines. One thread at a time.
+class LineFile {
+public:
+    LineFile() = default;
+    ~LineFile();
+    LineFile(const LineFile&) = delete;
+    LineFile& operator=(const LineFile&) = delete;
+
+    /// Creates the file, or empties it. Returns an empty text or the reason.
+    std::string open(const std::string& path);
+    bool isOpen() const { return fd_ >= 0; }
+    /// Appends `line` (which brings its newline). A line that does not fit is taken back whole.
+    /// REQUIRES: open. Returns an empty text or the reason.
+    std::string append(std::string_view line);
+    void close();
+
+private:
+    std::string path_;
+    int fd_ = -1;
+    std::size_t length_ = 0;
+};
+
+} // namespace kxhost
+
+#endif

@@ -1,0 +1,383 @@
+// The bounded queue between the grab thread, which hands frames over, and the threads that write
+// them.
+#include "export_queue.h"
+
+#include "export_file.h"
+#include "export_metadata.h"
+#include "export_picture.h"
+#include "picture_codec.h"
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <condition_variable>
+#include <cstring>
+#include <filesystem>
+#include <mutex>
+#include <thread>
+#include <utility>
+#include <vector>
+
+namespace kxhost {
+
+namespace {
+
+/// One picture of a frame, waiting in its place.
+struct Staged {
+    bool present = false;
+    FrameInfo info;
+    std::vector<std::uint8_t> pixels; // only ever grows
+};
+
+/// One place of the queue. It belongs to the grab thread until the frame is committed, then to the
+/// writer that takes it, then (with `done`) to whoever completes the metadata.
+struct Place {
+    std::uint64_t timestampUs = 0;
+    std::array<Staged, 2> pictures;
+    ScenarioValues values;
+    std::string line; // metadata
+    std::uint64_t fileCount = 0;
+    std::uint64_t fileBytes = 0;
+    bool whole = false; // every picture is written
+    bool done = false;  // its writer has let go of it
+};
+
+std::uint64_t microsecondsSince(std::chrono::steady_clock::time_point start)
+{
+    const auto passed = std::chrono::steady_clock::now() - start;
+    return static_cast<std::uint64_t>(
+        std::chrono::duration_cast<std::chrono::microseconds>(passed).count());
+}
+
+} // namespace
+
+class ExportQueue::Impl {
+public:
+    explicit Impl(ExportSettings settings)
+        : settings_(std::move(settings)), places_(std::max<std::size_t>(settings_.queueDepth, 1))
+    {}
+
+    std::string start();
+    void reserve(Instance instance, std::size_t bytes);
+    bool stage(const FrameInfo& info, const void* pixels);
+    void commit(std::uint64_t timestampUs, const ScenarioValues& values);
+    void finish();
+    ExportTotals totals() const;
+    std::string firstError() const;
+
+private:
+    using Lock = std::unique_lock<std::mutex>;
+
+    Place& place(std::uint64_t frame) { return places_[frame % places_.size()]; }
+    bool copiesPixels() const
+    {
+        return !settings_.folder.empty() && settings_.format != PictureFormat::kNone;
+    }
+    bool waitForPlace(Lock& lock);
+    void forgetStaged(std::uint64_t timestampUs);
+    void fail(const std::string& error);
+    void runWriter();
+    void writeFrame(std::uint64_t frame, PictureWriter& writer);
+    void releaseDone(Lock& lock);
+    std::string complete(const Place& oldest);
+
+    const ExportSettings settings_;
+    std::vector<Place> places_;
+    std::vector<std::thread> writers_;
+
+    mutable std::mutex mutex_;
+    std::condition_variable work_;  // a frame was committed, or the queue is finishing
+    std::condition_variable freed_; // a place became free
+    // Guarded by mutex_. Frames are numbered from 0 in the order of commit; released_ <= taken_ <=
+    // committed_, and place(committed_) is the one being staged.
+    std::uint64_t committed_ = 0;
+    std::uint64_t taken_ = 0;
+    std::uint64_t released_ = 0;
+    bool finishing_ = false;
+    bool releasing_ = false; // one writer at a time completes the metadata
+    ExportTotals totals_;
+    std::string error_;
+
+    LineFile metadata_; // opened before the writers start; then the releasing writer's alone
+};
+
+std::string ExportQueue::Impl::start()
+{
+    if (!settings_.folder.empty()) {
+        if (std::string error = prepareFolder(settings_.folder); !error.empty()) {
+            return error;
+        }
+        const std::string earlier = settings_.overwrite ? "" : findEarlierFile(settings_);
+        if (!earlier.empty()) {
+            return "The folder " + settings_.folder + " holds frames of an earlier grab (" +
+                   earlier + "): name another folder, or allow to overwrite them.";
+        }
+        if (settings_.metadata) {
+            const auto path = std::filesystem::path(settings_.folder) / kMetadataName;
+            if (std::string error = metadata_.open(path.string()); !error.empty()) {
+                return error;
+            }
+        }
+    }
+    for (unsigned i = 0; i < std::max(settings_.writerThreads, 1U); ++i) {
+        writers_.emplace_back([this] { runWriter(); });
+    }
+    return "";
+}
+
+void ExportQueue::Impl::reserve(Instance instance, std::size_t bytes)
+{
+    Lock lock(mutex_);
+    // Places that still wait to be written keep their memory until they are free.
+    freed_.wait(lock, [this] { return released_ == committed_; });
+    if (!copiesPixels()) {
+        return;
+    }
+    for (Place& each : places_) {
+        auto& pixels = each.pictures[static_cast<std::size_t>(instance)].pixels;
+        if (pixels.size() < bytes) {
+            pixels.resize(bytes);
+        }
+    }
+}
+
+void ExportQueue::Impl::forgetStaged(std::uint64_t timestampUs)
+{
+    Place& next = place(committed_);
+    if (next.timestampUs != timestampUs) {
+        next.timestampUs = timestampUs;
+        for (Staged& staged : next.pictures) {
+            staged.present = false;
+        }
+    }
+}
+
+bool ExportQueue::Impl::waitForPlace(Lock& lock)
+{
+    const auto isFree = [this] { return committed_ - released_ < places_.size(); };
+    if (!isFree() && settings_.whenFull == WhenFull::kWait && error_.empty()) {
+        const auto start = std::chrono::steady_clock::now();
+        freed_.wait(lock, [&] { return isFree() || !error_.empty(); });
+        totals_.waits += 1;
+        totals_.waitUs += microsecondsSince(start);
+    }
+    if (!error_.empty()) {
+        totals_.refusedFailed += 1;
+        return false;
+    }
+    if (!isFree()) {
+        totals_.refusedFull += 1;
+        return false;
+    }
+    return true;
+}
+
+bool ExportQueue::Impl::stage(const FrameInfo& info, const void* pixels)
+{
+    const Codec* codec = findCodec(info.codec);
+    {
+        Lock lock(mutex_);
+        if (codec == nullptr) {
+            fail("Frames of the codec \"" + info.codec + "\" cannot be written.");
+        }
+        if (!waitForPlace(lock)) {
+            return false;
+        }
+        forgetStaged(info.timestampUs);
+    }
+    // From here to the commit the place is this thread's alone.
+    Staged& staged = place(committed_).pictures[static_cast<std::size_t>(info.instance)];
+    staged.present = true;
+    staged.info = info;
+    if (copiesPixels()) {
+        const std::size_t bytes = pictureBytes(*codec, info.width, info.height);
+        if (staged.pixels.size() < bytes) {
+            staged.pixels.resize(bytes);
+        }
+        std::memcpy(staged.pixels.data(), pixels, bytes);
+    }
+    return true;
+}
+
+void ExportQueue::Impl::commit(std::uint64_t timestampUs, const ScenarioValues& values)
+{
+    const Lock lock(mutex_);
+    if (committed_ - released_ >= places_.size()) {
+        return; // nothing can have been staged
+    }
+    Place& next = place(committed_);
+    const bool staged = next.pictures[0].present || next.pictures[1].present;
+    if (!staged || next.timestampUs != timestampUs) {
+        return;
+    }
+    next.values = values;
+    next.done = false;
+    committed_ += 1;
+    totals_.accepted += 1;
+    totals_.deepest = std::max(totals_.deepest, static_cast<std::size_t>(committed_ - released_));
+    work_.notify_one();
+}
+
+void ExportQueue::Impl::fail(const std::string& error)
+{
+    if (error_.empty()) {
+        error_ = error;
+        freed_.notify_all();
+    }
+}
+
+void ExportQueue::Impl::runWriter()
+{
+    PictureWriter writer(settings_);
+    Lock lock(mutex_);
+    for (;;) {
+        work_.wait(lock, [this] { return taken_ < committed_ || finishing_; });
+        if (taken_ == committed_) {
+            return;
+        }
+        const std::uint64_t frame = taken_++;
+        const bool skip = !error_.empty();
+        lock.unlock();
+        Place& mine = place(frame);
+        mine.whole = false;
+        mine.fileCount = 0;
+        mine.fileBytes = 0;
+        if (!skip) {
+            writeFrame(frame, writer);
+        }
+        lock.lock();
+        mine.done = true;
+        releaseDone(lock);
+    }
+}
+
+void ExportQueue::Impl::writeFrame(std::uint64_t frame, PictureWriter& writer)
+{
+    Place& mine = place(frame);
+    std::vector<PictureRecord> records;
+    for (const Staged& staged : mine.pictures) {
+        if (!staged.present) {
+            continue;
+        }
+        PictureRecord& record = records.emplace_back();
+        record.info = staged.info;
+        if (std::string error = writer.write(frame + 1, staged.pixels, record); !error.empty()) {
+            const Lock lock(mutex_);
+            fail(error);
+            return;
+        }
+        mine.fileCount += record.file.empty() ? 0U : 1U;
+        mine.fileBytes += record.fileBytes;
+    }
+    if (metadata_.isOpen()) {
+        mine.line = metadataLine(frame + 1, mine.values, records);
+    }
+    mine.whole = true;
+}
+
+std::string ExportQueue::Impl::complete(const Place& oldest)
+{
+    return oldest.whole && metadata_.isOpen() ? metadata_.append(oldest.line) : "";
+}
+
+/// Completes, in the order of commit, the frames whose pictures are written, and frees their
+/// places.
+void ExportQueue::Impl::releaseDone(Lock& lock)
+{
+    if (releasing_) {
+        return; // that writer will see this frame too
+    }
+    releasing_ = true;
+    while (released_ < taken_ && place(released_).done) {
+        Place& oldest = place(released_);
+        lock.unlock();
+        const std::string error = complete(oldest);
+        lock.lock();
+        if (!error.empty()) {
+            fail(error);
+        }
+        const bool written = oldest.whole && error.empty();
+        totals_.written += written ? 1U : 0U;
+        totals_.failed += written ? 0U : 1U;
+        totals_.pictures += oldest.fileCount;
+        totals_.bytes += oldest.fileBytes;
+        for (Staged& staged : oldest.pictures) {
+            staged.present = false;
+        }
+        released_ += 1;
+        freed_.notify_all();
+    }
+    releasing_ = false;
+}
+
+void ExportQueue::Impl::finish()
+{
+    {
+        const Lock lock(mutex_);
+        finishing_ = true;
+        work_.notify_all();
+    }
+    for (std::thread& writer : writers_) {
+        writer.join();
+    }
+    writers_.clear();
+    metadata_.close();
+}
+
+ExportTotals ExportQueue::Impl::totals() const
+{
+    const Lock lock(mutex_);
+    return totals_;
+}
+
+std::string ExportQueue::Impl::firstError() const
+{
+    const Lock lock(mutex_);
+    return error_;
+}
+
+ExportQueue::ExportQueue(ExportSettings settings)
+    : impl_(std::make_unique<Impl>(std::move(settings)))
+{}
+
+ExportQueue::~ExportQueue()
+{
+    impl_->finish();
+}
+
+std::string ExportQueue::start()
+{
+    return impl_->start();
+}
+
+void ExportQueue::reserve(Instance instance, std::size_t bytes)
+{
+    impl_->reserve(instance, bytes);
+}
+
+bool ExportQueue::stage(const FrameInfo& info, const void* pixels)
+{
+    return impl_->stage(info, pixels);
+}
+
+void ExportQueue::commit(std::uint64_t timestampUs, const ScenarioValues& values)
+{
+    impl_->commit(timestampUs, values);
+}
+
+void ExportQueue::finish()
+{
+    impl_->finish();
+}
+
+ExportTotals ExportQueue::totals() const
+{
+    return impl_->totals();
+}
+
+std::string ExportQueue::firstError() const
+{
+    return impl_->firstError();
+}
+
+} // namespace kxhost

@@ -1,0 +1,114 @@
+// The summary of a grab: what was retrieved, exported and lost, as one JSON object and as text.
+#include "export_summary.h"
+
+#include "export_file.h"
+
+#include <nlohmann/json.hpp>
+
+#include <iomanip>
+#include <span>
+#include <sstream>
+
+namespace kxhost {
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+/// Frames lost before the host had a chance: what the camera's counter says, or without a counter
+/// the failed retrievals, which may include waits in vain.
+std::uint64_t lostByCamera(const GrabSummary& summary)
+{
+    return summary.counterKnown ? summary.gaps : summary.missing;
+}
+
+double perSecond(std::uint64_t count, double seconds)
+{
+    return seconds > 0 ? static_cast<double>(count) / seconds : 0;
+}
+
+/// Frames a second between the first and the last one.
+double retrievedRate(const GrabSummary& summary)
+{
+    return perSecond(summary.retrieved > 0 ? summary.retrieved - 1 : 0, summary.seconds);
+}
+
+Json lossesJson(const GrabSummary& summary)
+{
+    return {{"total", lostFrames(summary)},
+            {"camera", lostByCamera(summary)},
+            {"queue_full", summary.exported.refusedFull},
+            {"after_export_error", summary.exported.refusedFailed},
+            {"refused", summary.refused},
+            {"export", summary.exported.failed}};
+}
+
+Json exportJson(const GrabSummary& summary)
+{
+    const ExportTotals& exported = summary.exported;
+    return {{"frames", exported.accepted},       {"written", exported.written},
+            {"pictures", exported.pictures},     {"bytes", exported.bytes},
+            {"deepest_queue", exported.deepest}, {"waits", exported.waits},
+            {"wait_us", exported.waitUs}};
+}
+
+} // namespace
+
+std::uint64_t lostFrames(const GrabSummary& summary)
+{
+    const ExportTotals& exported = summary.exported;
+    return lostByCamera(summary) + exported.refusedFull + exported.refusedFailed + summary.refused +
+           exported.failed;
+}
+
+std::string summaryJson(const GrabSummary& summary)
+{
+    const Json object = {
+        {"exit_code", summary.exitCode},
+        {"reason", summary.reason},
+        {"folder", summary.folder},
+        {"passes", summary.passes},
+        {"retrieved", summary.retrieved},
+        {"timing_only", summary.timing},
+        {"failed_retrievals", summary.missing},
+        {"exported", exportJson(summary)},
+        {"lost", lossesJson(summary)},
+        {"seconds", summary.seconds},
+        {"frame_rate", retrievedRate(summary)},
+        {"write_rate", perSecond(summary.exported.written, summary.seconds)},
+        {"frame_period_us", summary.framePeriodUs},
+        {"over_budget", summary.overBudget},
+        {"longest_hand_over_us", summary.longestUs},
+    };
+    return object.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
+}
+
+std::string summaryText(const GrabSummary& summary)
+{
+    const ExportTotals& exported = summary.exported;
+    std::ostringstream text;
+    text << std::fixed << std::setprecision(1);
+    text << "retrieved " << summary.retrieved << " frames in " << summary.seconds << " s ("
+         << retrievedRate(summary) << " a second), " << summary.timing
+         << " only to start the timing\n";
+    text << "exported  " << exported.written << " frames, " << exported.pictures << " pictures, "
+         << static_cast<double>(exported.bytes) / 1e6 << " MB"
+         << (summary.folder.empty() ? "" : " into " + summary.folder) << "\n";
+    text << "lost      " << lostFrames(summary) << " (camera " << lostByCamera(summary)
+         << ", queue full " << exported.refusedFull << ", refused " << summary.refused
+         << ", export " << exported.refusedFailed + exported.failed << ")\n";
+    if (summary.framePeriodUs != 0) {
+        text << "time      longest hand-over " << summary.longestUs << " us of a period of "
+             << summary.framePeriodUs << " us, " << summary.overBudget << " frames over it\n";
+    }
+    return text.str();
+}
+
+std::string writeSummary(const GrabSummary& summary, const std::string& path)
+{
+    const std::string text = summaryJson(summary);
+    const auto* bytes = reinterpret_cast<const std::uint8_t*>(text.data());
+    return writeWholeFile(path, {bytes, text.size()});
+}
+
+} // namespace kxhost
