@@ -1,0 +1,96 @@
+// The plug-in's camera: the SDK's camera with named, range-checked and logged access to its
+// properties.
+#ifndef KX_PG_EXCAM_H
+#define KX_PG_EXCAM_H
+
+#include "kx_export.h"
+
+#include <FlyCapture2.h>
+
+#include <array>
+#include <cstdint>
+
+namespace KxPGrey {
+
+inline constexpr unsigned int kPropertyCount = 19;
+
+/// One property: its name, and its ranges as soon as they have been asked for.
+struct PropertyEntry {
+    char name[32] = {};
+    float absMin = 0;
+    float absMax = 0;
+    std::uint32_t relMin = 0;
+    std::uint32_t relMax = 0;
+    bool absRangeValid = false;
+    bool relRangeValid = false;
+};
+
+/// Status of the property operations.
+enum ExStatus : int {
+    kExOk = 0,
+    kExNoInfo = -1,     ///< the camera did not tell about the property
+    kExAbsent = -2,     ///< the camera has no such property
+    kExReadFailed = -3, ///< reading failed
+    kExWriteFailed = -4 ///< writing failed
+};
+
+/// A camera of the SDK's with more to it. The property operations take any type number; the entry
+/// that belongs to it is the number modulo 19. They belong to the grab thread, return an `ExStatus`
+/// unless said otherwise, and report each SDK failure with one warning.
+class CExCam : public FlyCapture2::Camera {
+public:
+    KX_API CExCam();
+    KX_API ~CExCam() override;
+    CExCam(const CExCam&) = delete;
+    CExCam& operator=(const CExCam&) = delete;
+
+    /// Current value in the property's unit; -1 when the SDK fails, the largest finite float when
+    /// the camera has no such property.
+    KX_API float ExPropertyGetAbs(FlyCapture2::PropertyType type);
+    /// Range in the property's unit, asked from the camera once and then remembered. Either output
+    /// may be null.
+    KX_API int ExPropertyGetAbsRange(FlyCapture2::PropertyType type, float* min, float* max);
+    /// Switches to manual absolute control and sets the value; a value out of range leaves the
+    /// current one, and is no error.
+    KX_API int ExPropertySetAbs(FlyCapture2::PropertyType type, float value);
+    /// Range in the camera's raw units, remembered too. Either output may be null.
+    KX_API int ExPropertyGetRelRange(FlyCapture2::PropertyType type, unsigned int* min,
+                                     unsigned int* max);
+    /// Current raw values. Either output may be null.
+    KX_API int ExPropertyGetRel(FlyCapture2::PropertyType type, unsigned int* valA,
+                                unsigned int* valB);
+    /// Switches to manual relative control and sets the raw values; one out of range stays as it
+    /// was.
+    KX_API int ExPropertySetRel(FlyCapture2::PropertyType type, unsigned int valA,
+                                unsigned int valB);
+    /// Switches the property on or off. Returns `kExAbsent` on success too.
+    KX_API int ExPropertySetEna(FlyCapture2::PropertyType type, bool on);
+    /// Sets power, automatic mode and one-push together; the three below are its common cases.
+    KX_API int ExPropertySetEnaAutoPush(FlyCapture2::PropertyType type, bool onOff, bool autoMode,
+                                        bool onePush);
+    KX_API int ExPropertySetAutoOff(FlyCapture2::PropertyType type);
+    KX_API int ExPropertySetAutoOnce(FlyCapture2::PropertyType type);
+    KX_API int ExPropertySetAutoCont(FlyCapture2::PropertyType type);
+    /// The Bayer tile as four letters, first letter in the highest byte; 0 when it cannot be read.
+    KX_API unsigned int ExGetBayerFormat();
+
+    /// Exposure time in force, in microseconds.
+    std::uint32_t expoTimeUs = 0;
+    /// Data word received on a GPIO line, and its number of bits (0 = none). The grab loop exports
+    /// and clears them.
+    std::uint32_t rxData = 0;
+    std::uint32_t rxBits = 0;
+    /// This camera's properties, by type.
+    std::array<PropertyEntry, kPropertyCount> propNames;
+
+private:
+    PropertyEntry& entryOf(FlyCapture2::PropertyType type);
+    int readInfo(const char* caller, FlyCapture2::PropertyInfo& info);
+    int readProperty(const char* caller, FlyCapture2::PropertyInfo& info,
+                     FlyCapture2::Property& property);
+    int writeProperty(const char* caller, const FlyCapture2::Property& property);
+};
+
+} // namespace KxPGrey
+
+#endif
