@@ -1,0 +1,132 @@
+// What keys demand of each other.
+#include "config_check.h"
+
+#include <algorithm>
+
+namespace kxhost {
+namespace {
+
+bool isGiven(const Configuration& configuration, std::string_view section, std::string_view name,
+             std::size_t index = 0)
+{
+    return findGiven(configuration, section, name, index) != nullptr;
+}
+
+std::string at(const GivenKey& given, std::string_view problem)
+{
+    std::string text = given.where + ": " + std::string(given.key->section) + ".";
+    return text.append(given.key->name).append(": ").append(problem);
+}
+
+/// Two keys that the plug-in can only use together.
+void checkPair(const Configuration& configuration, std::string_view section, std::string_view one,
+               std::string_view other, ConfigErrors& errors)
+{
+    const GivenKey* first = findGiven(configuration, section, one);
+    const GivenKey* second = findGiven(configuration, section, other);
+    if ((first == nullptr) == (second == nullptr)) {
+        return;
+    }
+    const GivenKey& lonely = first != nullptr ? *first : *second;
+    const std::string_view partner = first != nullptr ? other : one;
+    errors.push_back(at(lonely, "needs " + std::string(partner) + " beside it"));
+}
+
+/// A range whose lower end must not lie above its upper end.
+void checkRange(const Configuration& configuration, std::string_view low, std::string_view high,
+                float lowValue, float highValue, ConfigErrors& errors)
+{
+    checkPair(configuration, "auto", low, high, errors);
+    const GivenKey* given = findGiven(configuration, "auto", low);
+    if (given != nullptr && isGiven(configuration, "auto", high) && lowValue > highValue) {
+        errors.push_back(at(*given, "lies above " + std::string(high)));
+    }
+}
+
+void checkLut(const Configuration& configuration, ConfigErrors& errors)
+{
+    const Settings& settings = configuration.settings;
+    const GivenKey* given = findGiven(configuration, "lut", "table");
+    if (given == nullptr) {
+        return;
+    }
+    const auto largest = *std::max_element(settings.lut.begin(), settings.lut.end());
+    if ((largest >> settings.lutBits) != 0) {
+        errors.push_back(at(*given, "the value " + std::to_string(largest) + " needs more than " +
+                                        std::to_string(settings.lutBits) +
+                                        " bits (lut.bits says how many there are)"));
+    }
+}
+
+/// What a pin's parameters are called in the use that its source and mode make of it.
+struct PinUse {
+    std::int32_t source;
+    std::int32_t mode; ///< 0 = any
+    std::string_view name;
+    std::array<std::string_view, 2> parameters;
+    bool required;
+};
+constexpr std::array kPinUses = {
+    PinUse{2, 0, "a strobe", {"delay", "duration"}, false},
+    PinUse{5, 1, "data output", {"bits", "word"}, true},
+    PinUse{5, 2, "data input", {"timeout_polls", "gap_polls"}, false},
+};
+
+void checkPin(const Configuration& configuration, std::size_t index, ConfigErrors& errors)
+{
+    const IoboxSetting& setting = configuration.settings.iobox[index];
+    const std::string place = "iobox setting " + std::to_string(index + 1);
+    if (!isGiven(configuration, kIoboxSection, "pin", index)) {
+        errors.push_back(place + ": pin is missing");
+    }
+    for (const PinUse& use : kPinUses) {
+        const bool inUse =
+            use.source == setting.source && (use.mode == 0 || use.mode == setting.mode);
+        for (const std::string_view name : use.parameters) {
+            const GivenKey* given = findGiven(configuration, kIoboxSection, name, index);
+            if (given != nullptr && !inUse) {
+                errors.push_back(at(*given, "is for " + std::string(use.name) + " only"));
+            }
+            if (given == nullptr && inUse && use.required) {
+                errors.push_back(place + ": " + std::string(use.name) + " needs " +
+                                 std::string(name));
+            }
+        }
+    }
+}
+
+void completeMode(Configuration& configuration, std::string_view section, std::string_view value,
+                  std::string_view mode, std::int32_t& setting)
+{
+    if (isGiven(configuration, section, value) && !isGiven(configuration, section, mode)) {
+        setting = kSweepManual;
+    }
+}
+
+} // namespace
+
+void completeModes(Configuration& configuration)
+{
+    Settings& settings = configuration.settings;
+    completeMode(configuration, "acquisition", "exposure", "exposure_mode", settings.exposureMode);
+    completeMode(configuration, "acquisition", "gain", "gain_mode", settings.gainMode);
+    completeMode(configuration, "lut", "table", "mode", settings.lutMode);
+}
+
+ConfigErrors checkConfiguration(const Configuration& configuration)
+{
+    const Settings& settings = configuration.settings;
+    ConfigErrors errors;
+    checkRange(configuration, "gain_min", "gain_max", settings.autoGainMinDb,
+               settings.autoGainMaxDb, errors);
+    checkRange(configuration, "exposure_min", "exposure_max", settings.autoExposureMinUs,
+               settings.autoExposureMaxUs, errors);
+    checkPair(configuration, "color", "white_balance_red", "white_balance_blue", errors);
+    checkLut(configuration, errors);
+    for (std::size_t index = 0; index < settings.iobox.size(); ++index) {
+        checkPin(configuration, index, errors);
+    }
+    return errors;
+}
+
+} // namespace kxhost

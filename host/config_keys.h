@@ -1,0 +1,78 @@
+// The table of configuration keys: the one place that says what can be configured and how.
+//
+// Reading a file, `--set`, `kxhost check` and the check of the documentation all go by this table.
+#ifndef KXHOST_CONFIG_KEYS_H
+#define KXHOST_CONFIG_KEYS_H
+
+#include "quantity.h"
+#include "settings.h"
+
+#include <cstddef>
+#include <span>
+#include <string_view>
+#include <variant>
+
+namespace kxhost {
+
+/// Where a key's value goes.
+using Slot = std::variant<float*, double*, std::uint32_t*, std::int32_t*, std::int64_t*, bool*,
+                          std::string*, std::vector<std::uint16_t>*>;
+
+/// A number, with unit where the dimension has one; both limits included.
+struct NumberRule {
+    Dimension dimension;
+    double min;
+    double max;
+    bool whole;
+};
+
+/// One of several words.
+struct Word {
+    std::string_view name;
+    std::int32_t value;
+};
+struct WordRule {
+    std::span<const Word> words;
+};
+
+/// Free text; the empty one only when `mayBeEmpty`.
+struct TextRule {
+    bool mayBeEmpty;
+};
+
+/// A serial number: a whole number, or text in decimal, 0x hexadecimal or 0 octal.
+struct SerialRule {};
+
+/// true or false.
+struct SwitchRule {};
+
+/// The entries of a look-up table: an array, or the name of a text file that holds them.
+struct LutRule {};
+
+using Rule = std::variant<NumberRule, WordRule, TextRule, SerialRule, SwitchRule, LutRule>;
+
+/// One configuration key.
+struct Key {
+    std::string_view section;
+    std::string_view name;
+    Rule rule;
+    std::string_view absent;  ///< what is in force without the key
+    std::string_view meaning; ///< one sentence
+    /// Where the value goes; `index` counts the tables of [[iobox]] and is 0 elsewhere.
+    Slot (*slot)(Settings& settings, std::size_t index);
+};
+
+/// What stands in `Key::absent` when the camera's own value stays.
+constexpr std::string_view kKept = "kept as the camera has it";
+/// The section that may occur several times.
+constexpr std::string_view kIoboxSection = "iobox";
+
+/// All keys, those of one section together.
+std::span<const Key> configKeys();
+
+/// The key of this section and name; null = there is none.
+const Key* findKey(std::string_view section, std::string_view name);
+
+} // namespace kxhost
+
+#endif
