@@ -137,6 +137,12 @@ private:
 
     void reportUnknownSection(std::string_view section, const toml::node& node)
     {
+        const auto stray = std::ranges::find(configKeys(), section, &Key::name);
+        if (!node.is_table() && stray != configKeys().end()) {
+            report(node.source(), std::string(section) + " stands outside its section [" +
+                                      std::string(stray->section) + "]");
+            return;
+        }
         std::vector<std::string_view> known;
         for (const Key& key : configKeys()) {
             known.push_back(key.section);
@@ -178,6 +184,9 @@ private:
 
     static std::string written(const toml::node& value)
     {
+        if (const auto* given = value.as_string()) {
+            return "\"" + given->get() + "\"";
+        }
         constexpr std::size_t kMost = 60;
         std::ostringstream text;
         text << toml::node_view<const toml::node>(value);

@@ -32,11 +32,24 @@ void storeNumber(double value, const Slot& slot)
         slot);
 }
 
+/// The double that is written like this float: 0.1F reads 0.1, not 0.10000000149.
+double asWritten(float value)
+{
+    std::array<char, 32> digits{};
+    const auto end = std::to_chars(digits.begin(), digits.end(), value).ptr;
+    double result = 0;
+    std::from_chars(digits.begin(), end, result);
+    return result;
+}
+
 double loadNumber(const Slot& slot)
 {
     return std::visit(
         [](auto* target) -> double {
-            if constexpr (std::is_arithmetic_v<std::remove_pointer_t<decltype(target)>>) {
+            using T = std::remove_pointer_t<decltype(target)>;
+            if constexpr (std::is_same_v<T, float>) {
+                return asWritten(*target);
+            } else if constexpr (std::is_arithmetic_v<T>) {
                 return static_cast<double>(*target);
             } else {
                 return 0;

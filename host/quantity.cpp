@@ -77,7 +77,7 @@ bool needsUnit(Dimension dimension)
 std::string formatQuantity(double value, Dimension dimension)
 {
     std::array<char, 64> digits{};
-    const int length = std::snprintf(digits.data(), digits.size(), "%.9g", value);
+    const int length = std::snprintf(digits.data(), digits.size(), "%.10g", value);
     std::string text(digits.data(), static_cast<std::size_t>(length));
     for (const Unit& unit : kUnits) {
         if (unit.dimension == dimension && unit.factor == 1) {
