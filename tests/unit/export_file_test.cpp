@@ -1,0 +1,112 @@
+// Tests of the files of the export: whole or absent, and nothing but whole lines.
+#include "export_file.h"
+#include "temporary_folder.h"
+
+#include <gtest/gtest.h>
+
+#include <csignal>
+
+#include <sys/resource.h>
+
+namespace {
+
+using kxhost::LineFile;
+using kxtest::TemporaryFolder;
+using Names = std::vector<std::string>;
+
+/// While it lives no file can grow beyond `bytes`, as on a disk without space.
+class SmallDisk {
+public:
+    explicit SmallDisk(rlim_t bytes)
+    {
+        getrlimit(RLIMIT_FSIZE, &before_);
+        std::signal(SIGXFSZ, SIG_IGN);
+        const rlimit limit{bytes, before_.rlim_max};
+        setrlimit(RLIMIT_FSIZE, &limit);
+    }
+    ~SmallDisk() { setrlimit(RLIMIT_FSIZE, &before_); }
+    SmallDisk(const SmallDisk&) = delete;
+    SmallDisk& operator=(const SmallDisk&) = delete;
+
+private:
+    rlimit before_{};
+};
+
+TEST(ExportFile, IsWrittenWhole)
+{
+    const TemporaryFolder folder;
+    EXPECT_EQ(kxhost::writeWholeFile(folder.file("a.png"), std::vector<std::uint8_t>{'o', 'k'}),
+              "");
+    EXPECT_EQ(folder.names(), Names{"a.png"});
+    EXPECT_EQ(kxtest::readText(folder.file("a.png")), "ok");
+}
+
+TEST(ExportFile, ReplacesWhatStoodThere)
+{
+    const TemporaryFolder folder;
+    kxtest::writeText(folder.file("a.png"), "something longer");
+    EXPECT_EQ(kxhost::writeWholeFile(folder.file("a.png"), std::vector<std::uint8_t>{'n'}), "");
+    EXPECT_EQ(kxtest::readText(folder.file("a.png")), "n");
+}
+
+TEST(ExportFile, LeavesNothingBehindWhenTheDiskIsFull)
+{
+    const TemporaryFolder folder;
+    const std::string path = folder.file("a.png");
+    const SmallDisk disk(100);
+    EXPECT_EQ(kxhost::writeWholeFile(path, std::vector<std::uint8_t>(1000, 1)),
+              "Cannot write " + path + ": File too large.");
+    EXPECT_EQ(folder.names(), Names{});
+}
+
+TEST(ExportFile, NamesTheFileThatItCannotWrite)
+{
+    const TemporaryFolder folder;
+    const std::string path = folder.file("missing/a.png");
+    EXPECT_EQ(kxhost::writeWholeFile(path, {}),
+              "Cannot write " + path + ": No such file or directory.");
+}
+
+TEST(ExportFile, MakesTheFoldersThatAreMissing)
+{
+    const TemporaryFolder folder;
+    EXPECT_EQ(kxhost::prepareFolder(folder.file("x/y")), "");
+    EXPECT_TRUE(std::filesystem::is_directory(folder.file("x/y")));
+    EXPECT_EQ(kxhost::prepareFolder(folder.file("x/y")), "");
+}
+
+TEST(ExportFile, AFolderThatCannotBeIsAnError)
+{
+    const TemporaryFolder folder;
+    kxtest::writeText(folder.file("file"), "");
+    EXPECT_EQ(kxhost::prepareFolder(folder.file("file/x")),
+              "Cannot create the folder " + folder.file("file/x") + ": Not a directory.");
+    EXPECT_EQ(kxhost::prepareFolder(folder.file("file")),
+              "Cannot create the folder " + folder.file("file") + ": Not a directory.");
+}
+
+TEST(ExportFile, LinesFollowEachOther)
+{
+    const TemporaryFolder folder;
+    kxtest::writeText(folder.file("lines"), "of an earlier grab\n");
+    LineFile file;
+    ASSERT_EQ(file.open(folder.file("lines")), "");
+    EXPECT_EQ(file.append("one\n"), "");
+    EXPECT_EQ(file.append("two\n"), "");
+    file.close();
+    EXPECT_EQ(kxtest::readText(folder.file("lines")), "one\ntwo\n");
+}
+
+TEST(ExportFile, ALineThatDoesNotFitIsTakenBackWhole)
+{
+    const TemporaryFolder folder;
+    LineFile file;
+    ASSERT_EQ(file.open(folder.file("lines")), "");
+    const SmallDisk disk(10);
+    EXPECT_EQ(file.append("123456\n"), "");
+    EXPECT_EQ(file.append("abcdef\n"),
+              "Cannot write " + folder.file("lines") + ": File too large.");
+    EXPECT_EQ(kxtest::readText(folder.file("lines")), "123456\n");
+}
+
+} // namespace

@@ -1,0 +1,90 @@
+// Tests of the summary of a grab.
+#include "export_summary.h"
+#include "temporary_folder.h"
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+namespace {
+
+using kxhost::GrabSummary;
+
+GrabSummary example()
+{
+    GrabSummary summary;
+    summary.exitCode = 0;
+    summary.reason = "the configured number of frames was reached";
+    summary.folder = "out";
+    summary.passes = 1;
+    summary.retrieved = 101;
+    summary.missing = 3;
+    summary.timing = 1;
+    summary.counterKnown = true;
+    summary.gaps = 2;
+    summary.refused = 5;
+    summary.exported.accepted = 85;
+    summary.exported.written = 81;
+    summary.exported.failed = 4;
+    summary.exported.refusedFull = 7;
+    summary.exported.refusedFailed = 3;
+    summary.exported.pictures = 81;
+    summary.exported.bytes = 1500000;
+    summary.seconds = 4;
+    summary.framePeriodUs = 40000;
+    return summary;
+}
+
+TEST(ExportSummary, LossesAddUpWhereverTheyHappened)
+{
+    GrabSummary summary = example();
+    EXPECT_EQ(kxhost::lostFrames(summary), 2U + 5U + 7U + 3U + 4U);
+    summary.counterKnown = false; // then the failed retrievals are all there is to go by
+    EXPECT_EQ(kxhost::lostFrames(summary), 3U + 5U + 7U + 3U + 4U);
+}
+
+TEST(ExportSummary, JsonSaysWhereFramesWereLost)
+{
+    const auto json = nlohmann::json::parse(kxhost::summaryJson(example()));
+    EXPECT_EQ(json["exit_code"], 0);
+    EXPECT_EQ(json["reason"], "the configured number of frames was reached");
+    EXPECT_EQ(json["retrieved"], 101);
+    EXPECT_EQ(json["exported"]["written"], 81);
+    EXPECT_EQ(json["exported"]["bytes"], 1500000);
+    EXPECT_EQ(json["lost"]["total"], 21);
+    EXPECT_EQ(json["lost"]["camera"], 2);
+    EXPECT_EQ(json["lost"]["queue_full"], 7);
+    EXPECT_EQ(json["lost"]["after_export_error"], 3);
+    EXPECT_EQ(json["lost"]["refused"], 5);
+    EXPECT_EQ(json["lost"]["export"], 4);
+    EXPECT_DOUBLE_EQ(json["frame_rate"], 25.0);
+    EXPECT_DOUBLE_EQ(json["write_rate"], 81 / 4.0);
+}
+
+TEST(ExportSummary, AGrabWithoutFramesHasNoRate)
+{
+    const auto json = nlohmann::json::parse(kxhost::summaryJson(GrabSummary{}));
+    EXPECT_EQ(json["frame_rate"], 0.0);
+    EXPECT_EQ(json["lost"]["total"], 0);
+}
+
+TEST(ExportSummary, TextTellsPeopleTheSame)
+{
+    const std::string text = kxhost::summaryText(example());
+    EXPECT_NE(text.find("retrieved 101 frames in 4.0 s (25.0 a second), 1 only"), text.npos)
+        << text;
+    EXPECT_NE(text.find("exported  81 frames, 81 pictures, 1.5 MB into out"), text.npos) << text;
+    EXPECT_NE(text.find("lost      21 (camera 2, queue full 7, refused 5, export 7)"), text.npos)
+        << text;
+    EXPECT_NE(text.find("period of 40000 us"), text.npos) << text;
+}
+
+TEST(ExportSummary, GoesToAFileWhole)
+{
+    const kxtest::TemporaryFolder folder;
+    EXPECT_EQ(kxhost::writeSummary(example(), folder.file("s.json")), "");
+    EXPECT_EQ(kxtest::readText(folder.file("s.json")), kxhost::summaryJson(example()));
+    EXPECT_EQ(kxhost::writeSummary(example(), folder.file("no/s.json")),
+              "Cannot write " + folder.file("no/s.json") + ": No such file or directory.");
+}
+
+} // namespace
