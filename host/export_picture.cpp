@@ -55,7 +55,7 @@ std::string findEarlierFile(const ExportSettings& settings)
 {
     std::error_code code;
     for (const auto& entry : std::filesystem::directory_iterator(settings.folder, code)) {
-        const std::string name = entry.path().filename().string();
+        std::string name = entry.path().filename().string();
         const bool metadata = settings.metadata && name == kMetadataName;
         if (metadata ||
             (settings.format != PictureFormat::kNone && isPictureName(settings, name))) {

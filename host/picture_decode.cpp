@@ -29,9 +29,9 @@ void storeSample16(std::uint8_t* to, unsigned value)
 void unpack12(const std::uint8_t* in, std::uint32_t width, std::uint8_t* out)
 {
     for (std::uint32_t x = 0; x < width; x += 2, in += 3) {
-        storeSample16(out + std::size_t{x} * 2, (in[0] << 8U) | ((in[1] & 0x0FU) << 4U));
+        storeSample16(out + std::size_t{x} * 2, (unsigned{in[0]} << 8U) | ((in[1] & 0x0FU) << 4U));
         if (x + 1 < width) {
-            storeSample16(out + std::size_t{x} * 2 + 2, (in[2] << 8U) | (in[1] & 0xF0U));
+            storeSample16(out + std::size_t{x} * 2 + 2, (unsigned{in[2]} << 8U) | (in[1] & 0xF0U));
         }
     }
 }
@@ -40,7 +40,7 @@ void unpack12(const std::uint8_t* in, std::uint32_t width, std::uint8_t* out)
 void read16(const std::uint8_t* in, std::uint32_t width, std::uint8_t* out)
 {
     for (std::uint32_t x = 0; x < width; ++x, in += 2, out += 2) {
-        storeSample16(out, in[0] | (in[1] << 8U));
+        storeSample16(out, in[0] | (unsigned{in[1]} << 8U));
     }
 }
 
