@@ -15,11 +15,10 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-/// Frames lost before the host had a chance: what the camera's counter says, or without a counter
-/// the failed retrievals, which may include waits in vain.
+/// Frames lost before the host had a chance.
 std::uint64_t lostByCamera(const GrabSummary& summary)
 {
-    return summary.counterKnown ? summary.gaps : summary.missing;
+    return summary.missing + summary.gaps;
 }
 
 double perSecond(std::uint64_t count, double seconds)

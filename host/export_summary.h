@@ -16,10 +16,10 @@ struct GrabSummary {
     std::string folder;          ///< where the frames went; empty = nowhere
     unsigned passes = 0;         ///< times that the plug-in was called
     std::uint64_t retrieved = 0; ///< frames that arrived from the camera
-    std::uint64_t missing = 0;   ///< failed retrievals
-    std::uint64_t timing = 0;  ///< retrieved frames that only started the timing (first of a pass)
-    bool counterKnown = false; ///< the camera embeds its frame counter
-    std::uint64_t gaps = 0;    ///< frames that this counter skipped between retrieved frames
+    std::uint64_t missing =
+        0;                    ///< failed retrievals: a frame that did not arrive, or a wait in vain
+    std::uint64_t timing = 0; ///< retrieved frames that only started the timing (first of a pass)
+    std::uint64_t gaps = 0;   ///< further frames that the camera's counter skipped
     std::uint64_t refused = 0; ///< retrieved frames refused for other reasons than the export's
     ExportTotals exported;     ///< what became of the frames after that
     double seconds = 0;        ///< from the first to the last retrieved frame
