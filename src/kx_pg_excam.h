@@ -85,10 +85,10 @@ public:
 
 private:
     PropertyEntry& entryOf(FlyCapture2::PropertyType type);
-    int readInfo(const char* caller, FlyCapture2::PropertyInfo& info);
-    int readProperty(const char* caller, FlyCapture2::PropertyInfo& info,
-                     FlyCapture2::Property& property);
-    int writeProperty(const char* caller, const FlyCapture2::Property& property);
+    int readProperty(const char* caller, FlyCapture2::PropertyType type,
+                     FlyCapture2::PropertyInfo& info, FlyCapture2::Property& property);
+    int writeProperty(const char* caller, FlyCapture2::PropertyType type,
+                      const FlyCapture2::Property& property);
 };
 
 } // namespace KxPGrey

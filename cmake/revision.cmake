@@ -1,0 +1,10 @@
+# Writes TEMPLATE to OUTPUT with the revision of the git tree SOURCE_DIR, 40 zeros where there is none.
+# Run at every build; an unchanged OUTPUT is not touched, so nothing is compiled again.
+set(KX_REVISION "")
+execute_process(COMMAND git -C "${SOURCE_DIR}" rev-parse --verify HEAD
+                OUTPUT_VARIABLE KX_REVISION OUTPUT_STRIP_TRAILING_WHITESPACE ERROR_QUIET)
+string(LENGTH "${KX_REVISION}" length)
+if(NOT length EQUAL 40)
+    string(REPEAT "0" 40 KX_REVISION)
+endif()
+configure_file("${TEMPLATE}" "${OUTPUT}" @ONLY)
