@@ -1,0 +1,195 @@
+// The command line of kxhost.
+#include "command_line.h"
+
+#include <CLI/CLI.hpp>
+
+#include <filesystem>
+#include <functional>
+
+namespace kxhost {
+namespace {
+
+constexpr const char* kAbout =
+    "Grabs frames from a camera through the driver plug-in and writes them to disk.\n";
+
+constexpr const char* kFooter = R"(
+Examples:
+  kxhost grab --simulate --frames 10 --output pictures
+      Ten frames of a simulated camera, as PNG files with their metadata.
+  kxhost list
+      The cameras on the buses of this computer.
+  kxhost grab -c camera.toml --set acquisition.exposure="5 ms"
+      A configured grab, with another exposure time, until Ctrl-C.
+  kxhost check -c camera.toml
+      What a configuration says, key by key, and its mistakes.
+
+A first Ctrl-C (or SIGTERM) finishes: every frame accepted so far is written. A second one ends at
+once. The keys of a configuration are in docs/configuration.md.
+
+Exit codes:
+  0  fine                                6  frames could not be written
+  1  a defect of kxhost                  7  more losses than grab.max_losses
+  2  usage                               8  the plug-in cannot be loaded
+  3  configuration                       9  the camera library cannot be loaded
+  4  no camera in time                  10  the camera library is of another release
+  5  the camera failed or was lost          than the plug-in
+)";
+
+/// Options that are another way to set a configuration key.
+struct Shorthand {
+    const char* option;
+    const char* key;
+    const char* placeholder;
+    const char* meaning;
+};
+constexpr std::array kShorthands = {
+    Shorthand{"-n,--frames", "grab.frames", "N", "Export N frames, then finish (grab.frames)"},
+    Shorthand{"-o,--output", "output.folder", "FOLDER",
+              "Write pictures and metadata there (output.folder)"},
+    Shorthand{"--max-losses", "grab.max_losses", "N",
+              "Exit code 7 with more lost frames than N (grab.max_losses)"},
+    Shorthand{"--log-level", "log.level", "LEVEL",
+              "off, error, warning, info, debug or trace (log.level)"},
+};
+constexpr Shorthand kWait = {"--wait", "camera.wait", "SECONDS",
+                             "Give up when no camera has come by then (camera.wait)"};
+
+std::string asItIs(const std::string& text)
+{
+    return text;
+}
+
+/// A bare number of seconds gets its unit.
+std::string inSeconds(const std::string& text)
+{
+    const bool bare = text.find_first_not_of("0123456789.") == std::string::npos;
+    return bare ? text + " s" : text;
+}
+
+class Parser {
+public:
+    CommandLineResult parse(int argc, const char* const* argv)
+    {
+        app_.footer(kFooter);
+        app_.require_subcommand(1);
+        app_.get_formatter()->column_width(28);
+        addGrab();
+        addList();
+        addCheck();
+        addVersion();
+        try {
+            app_.parse(argc, argv);
+        } catch (const CLI::Success& success) {
+            return {std::nullopt, app_.exit(success)};
+        } catch (const CLI::ParseError& mistake) {
+            app_.exit(mistake);
+            return {std::nullopt, kExitUsage};
+        }
+        result_.overrides.insert(result_.overrides.end(), shorthands_.begin(), shorthands_.end());
+        return {result_, 0};
+    }
+
+private:
+    CLI::App* addVerb(const char* name, Verb verb, const char* meaning)
+    {
+        CLI::App* app = app_.add_subcommand(name, meaning);
+        app->callback([this, verb] { result_.verb = verb; });
+        return app;
+    }
+
+    void addGrab()
+    {
+        CLI::App* app = addVerb("grab", Verb::kGrab, "Grab frames and write them to disk");
+        app->footer(kFooter);
+        addConfigurationOptions(app);
+        addShorthand(app, kWait, inSeconds);
+        addPluginOptions(app);
+        app->add_option("--summary", result_.summaryFile, "Write the summary there as JSON")
+            ->type_name("FILE");
+        app->add_flag("-q,--quiet", result_.quiet, "Neither progress nor summary");
+    }
+
+    void addList()
+    {
+        CLI::App* app = addVerb("list", Verb::kList, "List the cameras on the buses");
+        addPluginOptions(app);
+    }
+
+    void addCheck()
+    {
+        CLI::App* app =
+            addVerb("check", Verb::kCheck, "Check a configuration and print what is in force");
+        addConfigurationOptions(app);
+        addShorthand(app, kWait, inSeconds);
+    }
+
+    void addVersion()
+    {
+        CLI::App* app = addVerb("version", Verb::kVersion, "Print the versions");
+        addPluginOptions(app);
+    }
+
+    void addConfigurationOptions(CLI::App* app)
+    {
+        app->add_option("-c,--config", result_.configuration, "Configuration file (TOML)")
+            ->type_name("FILE");
+        app->add_option("-s,--set", result_.overrides,
+                        "Set one key, over the configuration file; may be repeated")
+            ->type_name("SECTION.KEY=VALUE")
+            ->expected(1)
+            ->take_all();
+        for (const Shorthand& shorthand : kShorthands) {
+            addShorthand(app, shorthand, asItIs);
+        }
+        app->add_flag_callback(
+            "-v,--verbose", [this] { shorthands_.insert(shorthands_.begin(), "log.level=info"); },
+            "The same as --log-level info");
+    }
+
+    void addShorthand(CLI::App* app, const Shorthand& shorthand,
+                      const std::function<std::string(const std::string&)>& value)
+    {
+        app->add_option_function<std::string>(
+               shorthand.option,
+               [this, key = std::string(shorthand.key), value](const std::string& text) {
+                   shorthands_.push_back(key + "=" + value(text));
+               },
+               shorthand.meaning)
+            ->type_name(shorthand.placeholder);
+    }
+
+    void addPluginOptions(CLI::App* app)
+    {
+        CLI::Option* simulate =
+            app->add_option_function<std::vector<std::string>>(
+                   "--simulate",
+                   [this](const std::vector<std::string>& bus) {
+                       result_.plugin.simulate = true;
+                       result_.plugin.bus = bus.front();
+                   },
+                   "Use simulated cameras: those of a bus description, or the built-in ones")
+                ->type_name("[=BUS.toml]")
+                ->expected(0, 1);
+        app->add_option("--camera-library", result_.plugin.cameraLibrary,
+                        "The camera maker's libflycapture.so.2")
+            ->type_name("FILE")
+            ->envname("KXHOST_CAMERA_LIBRARY")
+            ->excludes(simulate);
+        app->add_option("--plugin", result_.plugin.plugin,
+                        "The driver plug-in; by default the one installed with kxhost")
+            ->type_name("FILE");
+    }
+
+    CLI::App app_{kAbout, "kxhost"};
+    CommandLine result_;
+    std::vector<std::string> shorthands_;
+};
+
+} // namespace
+
+CommandLineResult parseCommandLine(int argc, const char* const* argv)
+{
+    return Parser().parse(argc, argv);
+}
+
+} // namespace kxhost

@@ -1,0 +1,34 @@
+// The command line: what was asked for.
+#ifndef KXHOST_COMMAND_LINE_H
+#define KXHOST_COMMAND_LINE_H
+
+#include "plugin.h"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace kxhost {
+
+enum class Verb { kGrab, kList, kCheck, kVersion };
+
+struct CommandLine {
+    Verb verb = Verb::kGrab;
+    std::string configuration;          ///< file; empty = none
+    std::vector<std::string> overrides; ///< "section.key=value", in the order in which they apply
+    PluginChoice plugin;
+    std::string summaryFile; ///< empty = none
+    bool quiet = false;      ///< neither progress nor summary
+};
+
+/// Reads the command line. On help and on mistakes it writes what there is to say and returns the
+/// exit code instead.
+struct CommandLineResult {
+    std::optional<CommandLine> commandLine;
+    int exitCode = 0; ///< when there is no command line
+};
+CommandLineResult parseCommandLine(int argc, const char* const* argv);
+
+} // namespace kxhost
+
+#endif

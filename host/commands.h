@@ -1,0 +1,24 @@
+// What kxhost does: one function per verb, each returning the exit code of the process.
+#ifndef KXHOST_COMMANDS_H
+#define KXHOST_COMMANDS_H
+
+#include "command_line.h"
+#include "config.h"
+
+namespace kxhost {
+
+int commandGrab(const CommandLine& commandLine);
+int commandList(const CommandLine& commandLine);
+int commandCheck(const CommandLine& commandLine);
+int commandVersion(const CommandLine& commandLine);
+
+/// Reads the configuration that the command line asks for; writes its problems, one per line.
+/// Returns false when there are any.
+bool configure(const CommandLine& commandLine, Configuration& configuration);
+
+/// Writes one sentence to standard error.
+void complain(const std::string& sentence);
+
+} // namespace kxhost
+
+#endif

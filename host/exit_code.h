@@ -1,0 +1,24 @@
+// What kxhost tells the shell.
+#ifndef KXHOST_EXIT_CODE_H
+#define KXHOST_EXIT_CODE_H
+
+namespace kxhost {
+
+/// Exit codes of the process; `kxhost --help` and the man page list them.
+enum ExitCode : int {
+    kExitFine = 0,
+    kExitInternal = 1,      ///< a defect of kxhost itself
+    kExitUsage = 2,         ///< the command line
+    kExitConfiguration = 3, ///< the configuration
+    kExitNoCamera = 4,      ///< no camera in time
+    kExitCamera = 5,        ///< the camera failed, refused its configuration or was lost
+    kExitExport = 6,        ///< frames could not be written
+    kExitLosses = 7,        ///< more losses than allowed
+    kExitPlugin = 8,        ///< the plug-in cannot be loaded
+    kExitNoLibrary = 9,     ///< the camera library cannot be loaded
+    kExitLibraryAge = 10,   ///< the camera library is of another release than the plug-in
+};
+
+} // namespace kxhost
+
+#endif

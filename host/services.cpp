@@ -1,0 +1,21 @@
+// The one state of the host in this process.
+#include "services.h"
+
+#include <chrono>
+
+namespace kxhost {
+
+HostServices& services()
+{
+    static HostServices state;
+    return state;
+}
+
+std::uint64_t steadyUs()
+{
+    const auto now = std::chrono::steady_clock::now().time_since_epoch();
+    return static_cast<std::uint64_t>(
+        std::chrono::duration_cast<std::chrono::microseconds>(now).count());
+}
+
+} // namespace kxhost

@@ -1,0 +1,55 @@
+// What the host services work on: the state behind the plain functions of kx_host.h.
+#ifndef KXHOST_SERVICES_H
+#define KXHOST_SERVICES_H
+
+#include "export_queue.h"
+#include "frame_memory.h"
+#include "grab_counts.h"
+#include "scenario.h"
+#include "settings.h"
+#include "termination.h"
+
+#include <cstdint>
+#include <optional>
+#include <stdexcept>
+
+namespace kxhost {
+
+/// Thrown through the grab loop when the end was asked for and no frame comes that would take
+/// the loop to its signal step.
+class NoFrameToStopAt : public std::runtime_error {
+public:
+    NoFrameToStopAt() : std::runtime_error("asked to finish while no frame arrives") {}
+};
+
+/// The state of the host. The plug-in calls plain functions, so there is one per process.
+/// `counts` and `termination` may be used from any thread, everything else by the grab thread, or
+/// before and after it has run.
+struct HostServices {
+    Settings settings;
+    ExportQueue* queue = nullptr; ///< not owned; null = frames are counted and let go
+    Termination termination;
+    GrabCounts counts;
+
+    FrameMemory pool;
+    Scenario scenario;
+
+    // The grab loop's passage from frame to frame.
+    bool signalsKept = false;      ///< between ResetTermSigProc and SetTermSigProc
+    bool firstFrame = false;       ///< the next frame to arrive only starts the timing
+    unsigned missingInRow = 0;     ///< failed retrievals since the last frame, while asked to end
+    std::uint64_t missingThen = 0; ///< `counts.missing` at the last frame handed over
+    std::optional<std::uint32_t> lastCounter; ///< the camera's counter at that frame
+    std::uint64_t handOverFrame = 0;          ///< time stamp of the frame that is being handed over
+    std::uint64_t handOverStartUs = 0;
+};
+
+/// The one state of this process.
+HostServices& services();
+
+/// Microseconds of a clock that never steps.
+std::uint64_t steadyUs();
+
+} // namespace kxhost
+
+#endif

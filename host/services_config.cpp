@@ -1,0 +1,223 @@
+// Host services: the getters of the configuration.
+#include "service_exports.h"
+#include "services.h"
+
+namespace {
+
+const kxhost::Settings& settings()
+{
+    return kxhost::services().settings;
+}
+
+/// The setting number `set`; a neutral one for numbers that do not exist.
+const kxhost::IoboxSetting& iobox(int set)
+{
+    static const kxhost::IoboxSetting kNone;
+    const auto index = static_cast<std::size_t>(set);
+    return index < settings().iobox.size() ? settings().iobox[index] : kNone;
+}
+
+} // namespace
+
+/// Without any choice every model will do. A bus mask alone chooses alone, which takes a null
+/// model.
+const char* KxGiMainCtx__GetModelStr()
+{
+    const bool maskAlone =
+        settings().model.empty() && settings().serial.empty() && settings().busMask != 0;
+    return maskAlone ? nullptr : settings().model.c_str();
+}
+
+const char* KxGiMainCtx__GetIdStr()
+{
+    return settings().serial.c_str();
+}
+
+uint32_t KxGiMainCtx__GetActiveCamMask()
+{
+    return settings().busMask;
+}
+
+uint32_t KxGiMainCtx__GetDatachunk()
+{
+    return settings().packetSize;
+}
+
+uint32_t KxGiMainCtx__GetBnum()
+{
+    return settings().buffers;
+}
+
+/// The first frame of a grab starts the timing and is not exported, so it takes one more.
+uint32_t KxGiMainCtx__GetFnum()
+{
+    return settings().frames == 0 ? 0 : settings().frames + 1;
+}
+
+uint32_t KxGiMainCtx__GetWidth()
+{
+    return settings().width;
+}
+
+uint32_t KxGiMainCtx__GetHeight()
+{
+    return settings().height;
+}
+
+uint32_t KxGiMainCtx__GetOffsetX()
+{
+    return settings().offsetX;
+}
+
+uint32_t KxGiMainCtx__GetOffsetY()
+{
+    return settings().offsetY;
+}
+
+uint8_t KxGiMainCtx__GetFormat()
+{
+    return static_cast<uint8_t>(settings().pixelFormat);
+}
+
+void KxGiMainCtx__SetFormat(int code)
+{
+    kxhost::services().settings.pixelFormat = code;
+}
+
+uint8_t KxGiMainCtx__GetCformat()
+{
+    return static_cast<uint8_t>(settings().convertTo);
+}
+
+float KxGiMainCtx__GetFps()
+{
+    return settings().frameRate;
+}
+
+float KxGiMainCtx__GetGainMan()
+{
+    return settings().gainDb;
+}
+
+float KxGiMainCtx__GetExptMan()
+{
+    return settings().exposureUs;
+}
+
+float KxGiMainCtx__GetGamma()
+{
+    return settings().gamma;
+}
+
+int32_t KxGiMainCtx__GetSatur()
+{
+    return settings().saturation;
+}
+
+int32_t KxGiMainCtx__GetWbred()
+{
+    return settings().whiteBalanceRed;
+}
+
+int32_t KxGiMainCtx__GetWbblu()
+{
+    return settings().whiteBalanceBlue;
+}
+
+int32_t KxGiMainCtx__GetRotate()
+{
+    return settings().rotation;
+}
+
+float KxGiMainCtx__GetAtbright()
+{
+    return settings().brightness;
+}
+
+float KxGiMainCtx__GetGainlimsLow()
+{
+    return settings().autoGainMinDb;
+}
+
+float KxGiMainCtx__GetGainlimsHigh()
+{
+    return settings().autoGainMaxDb;
+}
+
+float KxGiMainCtx__GetEtlimsLow()
+{
+    return settings().autoExposureMinUs;
+}
+
+float KxGiMainCtx__GetEtlimsHigh()
+{
+    return settings().autoExposureMaxUs;
+}
+
+int32_t KxGiMainCtx__GetSweepProf()
+{
+    return settings().autoProfile;
+}
+
+int32_t KxGiMainCtx__GetSweepGainMod()
+{
+    return settings().gainMode;
+}
+
+int32_t KxGiMainCtx__GetSweepEtimeMod()
+{
+    return settings().exposureMode;
+}
+
+int32_t KxGiMainCtx__GetSweepLutMod()
+{
+    return settings().lutMode;
+}
+
+int32_t KxGiMainCtx__GetTsadjns()
+{
+    return settings().clockCorrectionNs;
+}
+
+uint16_t KxGiMainCtx__GetLutBitSize()
+{
+    return static_cast<uint16_t>(settings().lutBits);
+}
+
+const uint16_t* KxGiMainCtx__GetLutDataU16()
+{
+    return settings().lut.empty() ? nullptr : settings().lut.data();
+}
+
+uint32_t KxGiMainCtx__GetIoboxNum()
+{
+    return static_cast<uint32_t>(settings().iobox.size());
+}
+
+int32_t KxGiMainCtx__GetIoboxPin(int set)
+{
+    return iobox(set).pin;
+}
+
+int32_t KxGiMainCtx__GetIoboxMod(int set)
+{
+    return iobox(set).mode;
+}
+
+int32_t KxGiMainCtx__GetIoboxInv(int set)
+{
+    return iobox(set).invert;
+}
+
+int32_t KxGiMainCtx__GetIoboxSrc(int set)
+{
+    return iobox(set).source;
+}
+
+int32_t KxGiMainCtx__GetIoboxPar(int set, int which)
+{
+    const auto& parameters = iobox(set).parameters;
+    const auto index = static_cast<std::size_t>(which);
+    return index < parameters.size() ? static_cast<int32_t>(parameters[index])
+                                     : kxhost::kKeepSigned;
+}
