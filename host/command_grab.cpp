@@ -5,6 +5,7 @@
 #include "progress.h"
 #include "services.h"
 
+#include <csignal>
 #include <cstdio>
 
 namespace kxhost {
@@ -82,6 +83,7 @@ int grab(const CommandLine& commandLine, const Plugin& plugin)
         result = runGrab(plugin, progress.tickMs(), [&] { progress.show(queue.totals()); });
     }
     host.queue = nullptr;
+    queue.finish();
     GrabSummary summary = summarize(result, queue.totals());
     judge(summary, queue.firstError());
     return report(commandLine, summary);
@@ -97,6 +99,8 @@ int commandGrab(const CommandLine& commandLine)
     }
     const Settings& settings = services().settings = configuration.settings;
     blockTerminationSignals();
+    // A file that may not grow is an error of its write, as on a full disk, and no reason to die.
+    std::signal(SIGXFSZ, SIG_IGN);
     try {
         const Plugin plugin(commandLine.plugin);
         plugin.setLogging(static_cast<std::uint32_t>(settings.logLevel),

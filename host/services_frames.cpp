@@ -20,6 +20,14 @@ bool isInstance(int instance)
            instance == static_cast<int>(Instance::kConverted);
 }
 
+/// Lets the export set memory aside before frames come.
+void reserve(Instance instance, uint32_t bytes)
+{
+    if (services().queue != nullptr) {
+        services().queue->reserve(instance, bytes);
+    }
+}
+
 void layOutPool(uint32_t bytes)
 {
     if (!services().pool.setFrameSize(bytes)) {
@@ -27,7 +35,9 @@ void layOutPool(uint32_t bytes)
                      "kxhost: there is not enough memory for %u frame buffers of %u bytes; "
                      "grab.buffers sets their number\n",
                      services().settings.buffers, bytes);
+        return;
     }
+    reserve(Instance::kRaw, bytes);
 }
 
 /// Counts what the camera's frame counter says was never delivered, beyond failed retrievals.
@@ -107,14 +117,10 @@ void KxGiMemInst__Init(int instance, uint32_t count, int)
 
 void KxGiMemInst__SetActFsize(int instance, uint32_t bytes)
 {
-    if (!isInstance(instance)) {
-        return;
-    }
     if (instance == static_cast<int>(Instance::kRaw)) {
         layOutPool(bytes);
-    }
-    if (services().queue != nullptr) {
-        services().queue->reserve(static_cast<Instance>(instance), bytes);
+    } else if (instance == static_cast<int>(Instance::kConverted)) {
+        reserve(Instance::kConverted, bytes);
     }
 }
 
