@@ -315,11 +315,11 @@ unsigned char* Image::GetData()
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wignored-qualifiers"
 unsigned char* const Image::GetData() const
-#pragma GCC diagnostic pop
 {
     note("GetData");
     return m_pImageData->pixels.data();
 }
+#pragma GCC diagnostic pop
 
 ImageMetadata Image::GetMetadata() const
 {

@@ -1,0 +1,58 @@
+// Frames a second that the simulated sensor makes on one core, per pixel format.
+#include "renderer.h"
+
+#include <benchmark/benchmark.h>
+
+#include <memory>
+#include <vector>
+
+namespace {
+
+using namespace FlyCapture2;
+
+/// Arguments: pixel format, width, height.
+void renderChart(benchmark::State& state)
+{
+    const auto format = static_cast<PixelFormat>(state.range(0));
+    fcsim::SensorSettings sensor;
+    sensor.colour = format != PIXEL_FORMAT_MONO8 && format != PIXEL_FORMAT_MONO12 &&
+                    format != PIXEL_FORMAT_MONO16;
+    sensor.tile = sensor.colour ? RGGB : NONE;
+    sensor.width = static_cast<unsigned>(state.range(1));
+    sensor.height = static_cast<unsigned>(state.range(2));
+    sensor.title = "BENCHMARK";
+    fcsim::Renderer renderer(fcsim::SceneSettings{}, sensor);
+
+    fcsim::FrameRequest request;
+    request.format = format;
+    request.width = sensor.width;
+    request.height = sensor.height;
+    std::vector<std::uint8_t> frame(fcsim::packedSize(format, request.width, request.height));
+    renderer.render(request, frame.data()); // prepares the chart
+    for (auto _ : state) {
+        ++request.number;
+        renderer.render(request, frame.data());
+        benchmark::DoNotOptimize(frame.data());
+        benchmark::ClobberMemory();
+    }
+    state.SetLabel(fcsim::pixelFormatName(format));
+    state.SetItemsProcessed(state.iterations());
+    state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(frame.size()));
+}
+
+void addCases(benchmark::internal::Benchmark* bench)
+{
+    for (const PixelFormat format :
+         {PIXEL_FORMAT_MONO8, PIXEL_FORMAT_MONO12, PIXEL_FORMAT_MONO16, PIXEL_FORMAT_RAW8,
+          PIXEL_FORMAT_RAW16, PIXEL_FORMAT_411YUV8, PIXEL_FORMAT_422YUV8, PIXEL_FORMAT_444YUV8,
+          PIXEL_FORMAT_RGB8, PIXEL_FORMAT_BGRU}) {
+        bench->Args({static_cast<std::int64_t>(format), 1280, 1024});
+    }
+    bench->Args({static_cast<std::int64_t>(PIXEL_FORMAT_MONO8), 640, 480});
+    bench->Args({static_cast<std::int64_t>(PIXEL_FORMAT_MONO8), 2448, 2048});
+    bench->Unit(benchmark::kMicrosecond);
+}
+
+BENCHMARK(renderChart)->Apply(addCases);
+
+} // namespace
