@@ -67,7 +67,7 @@ bool writePng(std::FILE* file, Samples& samples)
     }
     png_struct* png = png_create_write_struct(PNG_LIBPNG_VER_STRING, nullptr, nullptr, nullptr);
     png_info* info = png == nullptr ? nullptr : png_create_info_struct(png);
-    if (info == nullptr || setjmp(png_jmpbuf(png)) != 0) { // NOLINT(cert-err52-cpp)
+    if (info == nullptr || setjmp(png_jmpbuf(png)) != 0) {
         png_destroy_write_struct(&png, &info);
         return false;
     }

@@ -33,17 +33,17 @@ void encode8(const RowView& row, uint8_t* packed)
 void decode16(const uint8_t* packed, unsigned width, Row& out)
 {
     Level* level = out.plane(0);
-    for (unsigned x = 0; x < width; ++x) {
-        level[x] = static_cast<Level>(packed[2 * x] | packed[2 * x + 1] << 8);
+    for (unsigned x = 0; x < width; ++x, packed += 2) {
+        level[x] = static_cast<Level>(packed[0] | packed[1] << 8);
     }
 }
 
 void encode16(const RowView& row, uint8_t* packed)
 {
     const Level* level = row.plane[0];
-    for (unsigned x = 0; x < row.width; ++x) {
-        packed[2 * x] = static_cast<uint8_t>(level[x] & 0xF0U);
-        packed[2 * x + 1] = highByte(level[x]);
+    for (unsigned x = 0; x < row.width; ++x, packed += 2) {
+        packed[0] = static_cast<uint8_t>(level[x] & 0xF0U);
+        packed[1] = highByte(level[x]);
     }
 }
 
@@ -51,8 +51,8 @@ void decode12(const uint8_t* packed, unsigned width, Row& out)
 {
     Level* level = out.plane(0);
     for (unsigned x = 0; x + 1 < width; x += 2, packed += 3) {
-        level[x] = static_cast<Level>(packed[0] << 8 | (packed[1] & 0x0FU) << 4);
-        level[x + 1] = static_cast<Level>(packed[2] << 8 | (packed[1] & 0xF0U));
+        level[x] = static_cast<Level>(fromHighByte(packed[0]) | (packed[1] & 0x0FU) << 4);
+        level[x + 1] = static_cast<Level>(fromHighByte(packed[2]) | (packed[1] & 0xF0U));
     }
 }
 
@@ -89,11 +89,14 @@ template <unsigned Pixels>
 void decodeYuv(const uint8_t* packed, unsigned width, Row& out)
 {
     using Group = YuvGroup<Pixels>;
+    Level* luminance = out.plane(0);
+    Level* blueness = out.plane(1);
+    Level* redness = out.plane(2);
     for (unsigned x = 0; x + Pixels <= width; x += Pixels, packed += Pixels + 2) {
         for (unsigned i = 0; i < Pixels; ++i) {
-            out.plane(0)[x + i] = fromHighByte(packed[Group::y[i]]);
-            out.plane(1)[x + i] = fromHighByte(packed[0]);
-            out.plane(2)[x + i] = fromHighByte(packed[Group::v]);
+            luminance[x + i] = fromHighByte(packed[Group::y[i]]);
+            blueness[x + i] = fromHighByte(packed[0]);
+            redness[x + i] = fromHighByte(packed[Group::v]);
         }
     }
 }
@@ -126,10 +129,13 @@ void encodeYuv(const RowView& row, uint8_t* packed)
 template <unsigned Red, unsigned Bytes>
 void decodeRgb(const uint8_t* packed, unsigned width, Row& out)
 {
+    Level* red = out.plane(0);
+    Level* green = out.plane(1);
+    Level* blue = out.plane(2);
     for (unsigned x = 0; x < width; ++x, packed += Bytes) {
-        out.plane(0)[x] = fromHighByte(packed[Red]);
-        out.plane(1)[x] = fromHighByte(packed[1]);
-        out.plane(2)[x] = fromHighByte(packed[2 - Red]);
+        red[x] = fromHighByte(packed[Red]);
+        green[x] = fromHighByte(packed[1]);
+        blue[x] = fromHighByte(packed[2 - Red]);
     }
 }
 

@@ -5,12 +5,14 @@
 
 #include <png.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <memory>
 #include <string>
+#include <string_view>
 
 namespace fcsim {
 
@@ -44,7 +46,7 @@ public:
 
     void readHead()
     {
-        if (setjmp(png_jmpbuf(png_)) != 0) { // NOLINT(cert-err52-cpp): the way libpng reports
+        if (setjmp(png_jmpbuf(png_)) != 0) {
             fail(message_.data());
         }
         png_init_io(png_, file_.get());
@@ -55,7 +57,7 @@ public:
     /// Asks for grey or RGB samples of 8 or 16 bits. REQUIRES: `readHead`.
     void simplify()
     {
-        if (setjmp(png_jmpbuf(png_)) != 0) { // NOLINT(cert-err52-cpp)
+        if (setjmp(png_jmpbuf(png_)) != 0) {
             fail(message_.data());
         }
         png_set_expand(png_);
@@ -67,10 +69,23 @@ public:
     /// Reads the picture to `rows`, one pointer per row. REQUIRES: `simplify`.
     void readRows(png_byte** rows)
     {
-        if (setjmp(png_jmpbuf(png_)) != 0) { // NOLINT(cert-err52-cpp)
+        if (setjmp(png_jmpbuf(png_)) != 0) {
             fail(message_.data());
         }
         png_read_image(png_, rows);
+    }
+
+    /// Looks for the chunk that ends a PNG file. Ends the reading: for files that are only checked.
+    void checkTail()
+    {
+        std::array<char, 1024> tail{};
+        std::fseek(file_.get(), 0, SEEK_END);
+        const long size = std::ftell(file_.get());
+        std::fseek(file_.get(), std::max(0L, size - static_cast<long>(tail.size())), SEEK_SET);
+        const std::size_t read = std::fread(tail.data(), 1, tail.size(), file_.get());
+        if (std::string_view(tail.data(), read).find("IEND") == std::string_view::npos) {
+            fail("the file is cut off");
+        }
     }
 
     unsigned width() const { return png_get_image_width(png_, info_); }
@@ -114,14 +129,15 @@ private:
 };
 
 /// Takes one row of big-endian samples apart into the canvas's planes.
-void splitRow(const png_byte* samples, unsigned bytesPerSample, unsigned width, Canvas& canvas,
+void splitRow(const png_byte* samples, std::size_t bytesPerSample, unsigned width, Canvas& canvas,
               int y)
 {
     const unsigned planes = planeCount(canvas.space());
-    for (unsigned plane = 0; plane < planes; ++plane) {
+    const std::size_t bytesPerPixel = planes * bytesPerSample;
+    for (unsigned plane = 0; plane < planes; ++plane, samples += bytesPerSample) {
         Level* level = canvas.plane(plane, y);
-        const png_byte* sample = samples + plane * bytesPerSample;
-        for (unsigned x = 0; x < width; ++x, sample += planes * bytesPerSample) {
+        const png_byte* sample = samples;
+        for (unsigned x = 0; x < width; ++x, sample += bytesPerPixel) {
             level[x] = static_cast<Level>(sample[0] << 8 | (bytesPerSample == 2 ? sample[1] : 0));
         }
     }
@@ -131,7 +147,9 @@ void splitRow(const png_byte* samples, unsigned bytesPerSample, unsigned width, 
 
 void checkPng(const std::filesystem::path& path)
 {
-    PngReader(path).readHead();
+    PngReader reader(path);
+    reader.readHead();
+    reader.checkTail();
 }
 
 Canvas readPng(const std::filesystem::path& path)

@@ -8,8 +8,8 @@
 
 namespace fcsim {
 
-/// Reads the head of a PNG file. Throws `SceneError` that names the file when it cannot be opened,
-/// is no PNG, or is cut off before its picture.
+/// Looks at the head and the end of a PNG file. Throws `SceneError` that names the file when it
+/// cannot be opened, is no PNG, or is cut off.
 void checkPng(const std::filesystem::path& path);
 
 /// Reads a PNG file: grey, colour or palette, 1 to 16 bits, of which 8-bit values v become v << 8;

@@ -157,16 +157,28 @@ TEST(ScenePictures, RefusalsNameThePathAndTheReason)
               "Cannot read picture " + folder.file("text.png") + ": not a PNG file");
 }
 
-TEST(ScenePictures, CutOffPictureIsReportedWhenRead)
+TEST(ScenePictures, CutOffPictureIsRefused)
 {
     const kxtest::TemporaryFolder folder;
     const Bytes grey(64 * 64, 77);
     writePng(folder.file("a.png"), 64, 64, PNG_FORMAT_GRAY, grey.data());
     const std::string whole = kxtest::readText(folder.file("a.png"));
     kxtest::writeText(folder.file("a.png"), whole.substr(0, whole.size() / 2));
+    EXPECT_EQ(refusal(folder.path()),
+              "Cannot read picture " + folder.file("a.png") + ": the file is cut off");
     EXPECT_THROW(fcsim::readPng(folder.file("a.png")), SceneError);
     kxtest::writeText(folder.file("a.png"), whole.substr(0, 20));
     EXPECT_THROW(fcsim::checkPng(folder.file("a.png")), SceneError);
+}
+
+TEST(ScenePictures, PictureThatGoesBadLaterIsBlack)
+{
+    const kxtest::TemporaryFolder folder;
+    const Bytes grey(16, 77);
+    writePng(folder.file("a.png"), 4, 4, PNG_FORMAT_GRAY, grey.data());
+    Renderer renderer(pictures(folder.path()), sensor(4, 4));
+    kxtest::writeText(folder.file("a.png"), "gone");
+    EXPECT_EQ(frame(renderer, PIXEL_FORMAT_MONO8, 4, 4), Bytes(16, 0));
 }
 
 } // namespace
