@@ -8,7 +8,7 @@
 #ifndef KX_HOST_H
 #define KX_HOST_H
 
-#include <stdint.h>
+#include <stdint.h> // NOLINT(modernize-deprecated-headers): C hosts include this file
 
 #include <sys/time.h>
 

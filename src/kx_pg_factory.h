@@ -10,7 +10,7 @@ namespace KxPGrey {
 class CBufferFactory {
 public:
     KX_API CBufferFactory();
-    KX_API ~CBufferFactory();
+    KX_API ~CBufferFactory(); // NOLINT(performance-trivially-destructible): a symbol of its own
     CBufferFactory(const CBufferFactory&) = delete;
     CBufferFactory& operator=(const CBufferFactory&) = delete;
 
