@@ -1,0 +1,174 @@
+// The calls of camera objects: properties, registers, strobes, look-up tables.
+#include "call_text.h"
+#include "camera_calls.h"
+
+namespace fcsim {
+
+using FlyCapture2::Error;
+
+Error CameraCalls::getPropertyInfo(FlyCapture2::PropertyInfo* info)
+{
+    return camera(
+        "GetPropertyInfo", info != nullptr, [&] { return propertyName(info->type); },
+        [&](Device& device) { return device.properties().info(*info); });
+}
+
+Error CameraCalls::getProperty(FlyCapture2::Property* property)
+{
+    return camera(
+        "GetProperty", property != nullptr, [&] { return propertyName(property->type); },
+        [&](Device& device) { return device.properties().get(*property); });
+}
+
+Error CameraCalls::setProperty(const FlyCapture2::Property* property)
+{
+    return camera(
+        "SetProperty", property != nullptr, [&] { return propertyText(*property); },
+        [&](Device& device) { return device.setProperty(*property); });
+}
+
+Error CameraCalls::getTriggerModeInfo(FlyCapture2::TriggerModeInfo* info)
+{
+    return camera("GetTriggerModeInfo", info != nullptr, noArguments, [&](Device&) {
+        *info = FlyCapture2::TriggerModeInfo(); // free-running cameras only
+        return success();
+    });
+}
+
+Error CameraCalls::writeRegister(unsigned address, unsigned value)
+{
+    return camera(
+        "WriteRegister", true, [&] { return hexText(address) + " " + hexText(value); },
+        [&](Device& device) { return device.writeRegister(address, value); });
+}
+
+Error CameraCalls::readRegister(unsigned address, unsigned* value)
+{
+    return camera(
+        "ReadRegister", value != nullptr, [&] { return hexText(address); },
+        [&](Device& device) { return device.readRegister(address, *value); });
+}
+
+Error CameraCalls::getCycleTime(FlyCapture2::TimeStamp* time)
+{
+    return camera("GetCycleTime", time != nullptr, noArguments, [&](Device& device) {
+        *time = timeStampOf(device.cycleTime(Device::hostTime()));
+        return success();
+    });
+}
+
+Error CameraCalls::checkStrobe(const Device& device, unsigned source) const
+{
+    if (source < device.description().gpioPins) {
+        return success();
+    }
+    return makeError(FlyCapture2::PGRERROR_STROBE_FAILED,
+                     "there is no strobe source " + std::to_string(source));
+}
+
+Error CameraCalls::getStrobeInfo(FlyCapture2::StrobeInfo* info)
+{
+    const auto text = [&] { return std::to_string(info->source); };
+    return camera("GetStrobeInfo", info != nullptr, text, [&](Device& device) {
+        const unsigned source = info->source;
+        *info = FlyCapture2::StrobeInfo();
+        info->source = source;
+        if (source < device.description().gpioPins) {
+            info->present = true;
+            info->onOffSupported = true;
+            info->polaritySupported = true;
+            info->readOutSupported = true;
+            info->maxValue = 64.0F;
+        }
+        return success();
+    });
+}
+
+Error CameraCalls::getStrobe(FlyCapture2::StrobeControl* strobe)
+{
+    const auto text = [&] { return std::to_string(strobe->source); };
+    return camera("GetStrobe", strobe != nullptr, text, [&](Device& device) {
+        Error error = checkStrobe(device, strobe->source);
+        if (error == FlyCapture2::PGRERROR_OK) {
+            const unsigned source = strobe->source;
+            *strobe = device.strobe(source);
+            strobe->source = source;
+        }
+        return error;
+    });
+}
+
+Error CameraCalls::setStrobe(const FlyCapture2::StrobeControl* strobe)
+{
+    const auto text = [&] {
+        return std::to_string(strobe->source) + (strobe->onOff ? " on" : " off");
+    };
+    return camera("SetStrobe", strobe != nullptr, text, [&](Device& device) {
+        Error error = checkStrobe(device, strobe->source);
+        if (error == FlyCapture2::PGRERROR_OK) {
+            device.strobe(strobe->source) = *strobe;
+        }
+        return error;
+    });
+}
+
+Error CameraCalls::getLutInfo(FlyCapture2::LUTData* data)
+{
+    return camera("GetLUTInfo", data != nullptr, noArguments,
+                  [&](Device& device) { return device.lut().info(*data); });
+}
+
+Error CameraCalls::getLutBankInfo(unsigned bank, bool* readable, bool* writable)
+{
+    return camera(
+        "GetLUTBankInfo", readable != nullptr && writable != nullptr,
+        [&] { return std::to_string(bank); },
+        [&](Device& device) { return device.lut().bankInfo(bank, *readable, *writable); });
+}
+
+Error CameraCalls::getActiveLutBank(unsigned* bank)
+{
+    return camera("GetActiveLUTBank", bank != nullptr, noArguments,
+                  [&](Device& device) { return device.lut().activeBank(*bank); });
+}
+
+Error CameraCalls::setActiveLutBank(unsigned bank)
+{
+    return camera(
+        "SetActiveLUTBank", true, [&] { return std::to_string(bank); },
+        [&](Device& device) { return device.lut().setActiveBank(bank); });
+}
+
+Error CameraCalls::enableLut(bool on)
+{
+    return camera(
+        "EnableLUT", true, [&] { return on ? "on" : "off"; },
+        [&](Device& device) { return device.lut().enable(on); });
+}
+
+namespace {
+
+std::string channelText(unsigned bank, unsigned channel, unsigned count)
+{
+    return "bank=" + std::to_string(bank) + " channel=" + std::to_string(channel) +
+           " entries=" + std::to_string(count);
+}
+
+} // namespace
+
+Error CameraCalls::getLutChannel(unsigned bank, unsigned channel, unsigned count, unsigned* entries)
+{
+    return camera(
+        "GetLUTChannel", entries != nullptr, [&] { return channelText(bank, channel, count); },
+        [&](Device& device) { return device.lut().read(bank, channel, count, entries); });
+}
+
+Error CameraCalls::setLutChannel(unsigned bank, unsigned channel, unsigned count,
+                                 const unsigned* entries)
+{
+    return camera(
+        "SetLUTChannel", entries != nullptr, [&] { return channelText(bank, channel, count); },
+        [&](Device& device) { return device.lut().write(bank, channel, count, entries); });
+}
+
+} // namespace fcsim

@@ -1,0 +1,45 @@
+// The clock inside a camera and its 1394 cycle-time form.
+#ifndef FCSIM_CAMERA_CLOCK_H
+#define FCSIM_CAMERA_CLOCK_H
+
+#include <FlyCapture2.h>
+
+#include <cstdint>
+
+namespace fcsim {
+
+/// A point in time in the form of the cycle-time register.
+struct CycleTime {
+    unsigned seconds = 0; ///< 0 to 127
+    unsigned count = 0;   ///< 0 to 7999, 125 us each
+    unsigned offset = 0;  ///< 0 to 3071, ticks of 24.576 MHz
+};
+
+/// The cycle time after `us` microseconds on a clock that starts again at 0 every `wrapSeconds`.
+CycleTime cycleTimeOf(double us, unsigned wrapSeconds);
+/// As the register at 0x1EA8 and the embedded time stamp carry it.
+std::uint32_t packCycleTime(const CycleTime& time);
+/// As images carry it. The fields of the PC's clock stay 0, as they do on Linux.
+FlyCapture2::TimeStamp timeStampOf(const CycleTime& time);
+
+/// Clock that starts at `offsetUs` and runs `driftPpm` faster than the host's.
+class CameraClock {
+public:
+    CameraClock(double offsetUs, double driftPpm, unsigned wrapSeconds);
+
+    /// What the clock shows when the host's clock, counted from the start, shows `hostUs`.
+    CycleTime at(double hostUs) const;
+    /// Jumps by `us`.
+    void step(double us) { offsetUs_ += us; }
+    /// How long `cameraUs` on this clock last on the host's.
+    double toHost(double cameraUs) const { return cameraUs / rate_; }
+
+private:
+    double offsetUs_;
+    double rate_;
+    unsigned wrapSeconds_;
+};
+
+} // namespace fcsim
+
+#endif

@@ -1,0 +1,102 @@
+// What stands behind one camera object of the SDK: its connection to a camera on the bus.
+#include "camera_session.h"
+
+#include "bus.h"
+#include "sdk_error.h"
+#include "sim_clock.h"
+
+#include <string>
+
+namespace fcsim {
+
+using FlyCapture2::Error;
+
+Device* CameraSession::connectedDevice() const
+{
+    Device* device = device_.load(std::memory_order_acquire);
+    return device != nullptr && device->ownedBy(this) ? device : nullptr;
+}
+
+unsigned CameraSession::serialNumber() const
+{
+    const Device* device = connectedDevice();
+    return device == nullptr ? 0 : device->description().serial;
+}
+
+void CameraSession::passRegisterTime()
+{
+    const Device* device = connectedDevice();
+    if (device != nullptr && device->attached()) {
+        passTime(device->registerUs());
+    }
+}
+
+void CameraSession::detachCamera()
+{
+    if (Device* device = connectedDevice()) {
+        const std::lock_guard lock(device->mutex());
+        device->setAttached(false);
+    }
+}
+
+bool CameraSession::connected() const
+{
+    const Device* device = connectedDevice();
+    return device != nullptr && device->attached();
+}
+
+Error CameraSession::notConnected()
+{
+    return makeError(FlyCapture2::PGRERROR_NOT_CONNECTED, "the camera is not connected");
+}
+
+Error CameraSession::connect(const FlyCapture2::PGRGuid* guid)
+{
+    if (connected()) {
+        return makeError(FlyCapture2::PGRERROR_FAILED,
+                         "the object is already connected to a camera");
+    }
+    disconnect();
+    Bus& bus = Bus::instance();
+    const std::vector<Device*> cameras = bus.attached();
+    Device* device = guid != nullptr   ? bus.find(*guid)
+                     : cameras.empty() ? nullptr
+                                       : cameras.front();
+    if (device == nullptr) {
+        return makeError(FlyCapture2::PGRERROR_NOT_FOUND, "there is no such camera on the bus");
+    }
+    if (gigEOnly_ && device->description().interface != FlyCapture2::INTERFACE_GIGE) {
+        return makeError(FlyCapture2::PGRERROR_NOT_SUPPORTED, "the camera is no GigE camera");
+    }
+    if (!device->claim(this)) {
+        return makeError(FlyCapture2::PGRERROR_FAILED_BUS_MASTER_CONNECTION,
+                         "the camera with serial number " +
+                             std::to_string(device->description().serial) +
+                             " is already connected");
+    }
+    device_.store(device, std::memory_order_release);
+    return success();
+}
+
+Error CameraSession::disconnect()
+{
+    Device* device = connectedDevice();
+    device_.store(nullptr, std::memory_order_release);
+    if (device == nullptr) {
+        return notConnected();
+    }
+    const std::lock_guard lock(device->mutex());
+    device->release();
+    return success();
+}
+
+Error CameraSession::retrieve(FlyCapture2::Image& image)
+{
+    Device* device = connectedDevice();
+    if (device == nullptr) {
+        return notConnected();
+    }
+    return device->capture().retrieve(image);
+}
+
+} // namespace fcsim

@@ -1,0 +1,219 @@
+// Capture on one camera: start, stop, buffers, and which frames arrive.
+#include "capture.h"
+
+#include "device.h"
+#include "sdk_error.h"
+#include "sim_clock.h"
+
+#include <algorithm>
+#include <limits>
+#include <string>
+
+namespace fcsim {
+
+using FlyCapture2::Error;
+
+namespace {
+
+constexpr unsigned kDefaultBuffers = 10;
+
+FlyCapture2::FC2Config defaultConfig()
+{
+    FlyCapture2::FC2Config config;
+    config.numBuffers = kDefaultBuffers;
+    config.numImageNotifications = 1;
+    config.grabTimeout = FlyCapture2::TIMEOUT_INFINITE;
+    config.grabMode = FlyCapture2::DROP_FRAMES;
+    return config;
+}
+
+} // namespace
+
+Capture::Capture(Device& device)
+    : device_(device), config_(defaultConfig()),
+      schedule_(device.description().delivery.latencyUs, device.description().delivery.jitterUs,
+                device.description().delivery.seed)
+{}
+
+Error Capture::start()
+{
+    if (running_) {
+        return makeError(FlyCapture2::PGRERROR_ISOCH_ALREADY_STARTED, "capture is already started");
+    }
+    if (!device_.powered()) {
+        return makeError(FlyCapture2::PGRERROR_ISOCH_START_FAILED, "the camera is powered down");
+    }
+    const std::size_t frameSize = device_.format7().frameSize();
+    if (user_.memory != nullptr && user_.size < frameSize) {
+        return makeError(FlyCapture2::PGRERROR_BUFFER_TOO_SMALL,
+                         "user buffers of " + std::to_string(user_.size) +
+                             " bytes are too small for frames of " + std::to_string(frameSize));
+    }
+    slots_ = user_.memory != nullptr
+                 ? std::make_shared<FrameSlots>(user_.memory, user_.size, user_.count)
+                 : std::make_shared<FrameSlots>(frameSize, config_.numBuffers);
+    truth_.prepare();
+    held_.clear();
+    held_.reserve(slots_->count());
+    next_ = 0;
+    stalled_ = false;
+    running_ = true;
+    ++run_;
+    schedule_.begin(Device::hostTime(), device_.timing());
+    return success();
+}
+
+Error Capture::stop()
+{
+    if (!running_) {
+        return makeError(FlyCapture2::PGRERROR_ISOCH_NOT_STARTED, "capture is not started");
+    }
+    running_ = false;
+    slots_.reset();
+    wake();
+    return success();
+}
+
+Error Capture::setUserBuffers(std::uint8_t* memory, int size, int count)
+{
+    if (running_) {
+        return makeError(FlyCapture2::PGRERROR_ISOCH_ALREADY_STARTED,
+                         "user buffers cannot be set during capture");
+    }
+    if (memory == nullptr || size <= 0 || count <= 0) {
+        return makeError(FlyCapture2::PGRERROR_INVALID_PARAMETER,
+                         "user buffers: " + std::to_string(count) + " of " + std::to_string(size) +
+                             " bytes" + (memory == nullptr ? " at a null address" : ""));
+    }
+    const std::size_t frameSize = device_.format7().frameSize();
+    if (static_cast<std::size_t>(size) < frameSize) {
+        return makeError(FlyCapture2::PGRERROR_BUFFER_TOO_SMALL,
+                         "user buffers of " + std::to_string(size) +
+                             " bytes are too small for frames of " + std::to_string(frameSize));
+    }
+    user_ = {memory, static_cast<std::size_t>(size), static_cast<unsigned>(count)};
+    return success();
+}
+
+Error Capture::configure(const FlyCapture2::FC2Config& config)
+{
+    if (running_) {
+        return makeError(FlyCapture2::PGRERROR_ISOCH_ALREADY_STARTED,
+                         "the configuration cannot be set during capture");
+    }
+    if (config.grabTimeout < FlyCapture2::TIMEOUT_UNSPECIFIED || config.numBuffers > 10000) {
+        return makeError(FlyCapture2::PGRERROR_INVALID_PARAMETER,
+                         "configuration: grab time-out " + std::to_string(config.grabTimeout) +
+                             ", " + std::to_string(config.numBuffers) + " buffers");
+    }
+    const FlyCapture2::FC2Config before = config_;
+    config_ = config;
+    if (config.numBuffers == 0) {
+        config_.numBuffers = before.numBuffers;
+    }
+    if (config.grabTimeout == FlyCapture2::TIMEOUT_UNSPECIFIED) {
+        config_.grabTimeout = before.grabTimeout;
+    }
+    if (config.grabMode == FlyCapture2::UNSPECIFIED_GRAB_MODE) {
+        config_.grabMode = before.grabMode;
+    }
+    return success();
+}
+
+void Capture::disconnect()
+{
+    running_ = false;
+    slots_.reset();
+    user_ = UserMemory();
+    config_ = defaultConfig();
+    wake();
+}
+
+void Capture::timingChanged()
+{
+    if (running_) {
+        schedule_.change(Device::hostTime(), device_.timing());
+    }
+}
+
+const FrameFault* Capture::faultOf(std::uint64_t number, FrameFaultKind kind) const
+{
+    for (const FrameFault& fault : device_.description().faults) {
+        if (fault.kind == kind && number >= fault.frame && number - fault.frame < fault.count) {
+            return &fault;
+        }
+    }
+    return nullptr;
+}
+
+bool Capture::admit(std::uint64_t number)
+{
+    if (const FrameFault* fault = faultOf(number, FrameFaultKind::clockStep)) {
+        device_.stepClock(fault->amount);
+    }
+    if (faultOf(number, FrameFaultKind::stall) != nullptr) {
+        stalled_ = true;
+        return false;
+    }
+    if (faultOf(number, FrameFaultKind::lose) != nullptr) {
+        ++losses_.dropped;
+        ++losses_.transmission;
+        return false;
+    }
+    return true;
+}
+
+void Capture::hold(std::uint64_t number)
+{
+    const bool dropsOld = config_.grabMode == FlyCapture2::DROP_FRAMES;
+    const std::size_t capacity = dropsOld ? 1 : slots_->count();
+    if (held_.size() < capacity) {
+        held_.push_back(number);
+        return;
+    }
+    ++losses_.dropped;
+    ++losses_.driver;
+    if (dropsOld) {
+        held_.back() = number;
+    }
+}
+
+void Capture::admitArrived(double nowUs)
+{
+    while (!stalled_ && schedule_.times(next_).arrivalUs <= nowUs) {
+        const std::uint64_t number = next_++;
+        if (admit(number)) {
+            hold(number);
+        }
+    }
+}
+
+std::optional<std::uint64_t> Capture::nextFrame(double nowUs, double deadlineUs)
+{
+    if (device_.description().delivery.paced) {
+        admitArrived(nowUs);
+    } else {
+        deadlineUs = std::numeric_limits<double>::infinity();
+    }
+    if (!held_.empty()) {
+        const std::uint64_t number = held_.front();
+        held_.erase(held_.begin());
+        return number;
+    }
+    while (!stalled_ && schedule_.times(next_).arrivalUs <= deadlineUs) {
+        const std::uint64_t number = next_++;
+        if (admit(number)) {
+            return number;
+        }
+    }
+    return std::nullopt;
+}
+
+double Capture::deadline(double nowUs) const
+{
+    return config_.grabTimeout == FlyCapture2::TIMEOUT_INFINITE
+               ? std::numeric_limits<double>::infinity()
+               : nowUs + 1000.0 * config_.grabTimeout;
+}
+
+} // namespace fcsim

@@ -1,0 +1,114 @@
+// Capture on one camera: which frames arrive, which are lost, which one a retrieval gets.
+//
+// There is no thread behind it. A retrieval works out what has happened since the one before, makes
+// the picture that it delivers while the frame is still on its way, and sleeps until it arrives.
+#ifndef FCSIM_CAPTURE_H
+#define FCSIM_CAPTURE_H
+
+#include "bus_description.h"
+#include "frame_schedule.h"
+#include "frame_slots.h"
+#include "renderer.h"
+#include "truth_log.h"
+
+#include <FlyCapture2.h>
+
+#include <condition_variable>
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <vector>
+
+namespace fcsim {
+
+class Device;
+
+/// Frames that did not reach the program, as CameraStats counts them.
+struct LossCounters {
+    unsigned dropped = 0;      ///< all losses
+    unsigned corrupt = 0;      ///< arrived incomplete
+    unsigned transmission = 0; ///< lost on the way
+    unsigned driver = 0;       ///< arrived, but nobody fetched them in time
+};
+
+/// The capture of a camera. Hold the camera's mutex for every call but `retrieve`, which takes it.
+class Capture {
+public:
+    explicit Capture(Device& device);
+
+    FlyCapture2::Error start();
+    FlyCapture2::Error stop();
+    /// Waits for the next frame and puts it into `image`. One thread at a time; others queue up.
+    /// Throws std::runtime_error when the camera is detached and its description says so.
+    FlyCapture2::Error retrieve(FlyCapture2::Image& image);
+    FlyCapture2::Error setUserBuffers(std::uint8_t* memory, int size, int count);
+    const FlyCapture2::FC2Config& configuration() const { return config_; }
+    FlyCapture2::Error configure(const FlyCapture2::FC2Config& config);
+
+    /// Ends the capture and forgets configuration and user buffers.
+    void disconnect();
+    /// Exposure, rate or gain changed.
+    void timingChanged();
+    /// Ends a wait for a frame when the camera was stopped or detached meanwhile.
+    void wake() { changed_.notify_all(); }
+    bool running() const { return running_; }
+
+    const LossCounters& losses() const { return losses_; }
+    void resetLosses() { losses_ = LossCounters(); }
+    TruthLog& truth() { return truth_; }
+
+private:
+    using Lock = std::unique_lock<std::mutex>;
+
+    struct UserMemory {
+        std::uint8_t* memory = nullptr;
+        std::size_t size = 0;
+        unsigned count = 0;
+    };
+    /// A frame chosen for delivery.
+    struct Delivery {
+        std::uint64_t number = 0;
+        FrameTimes times;
+        FrameView view;
+        unsigned offsetX = 0; ///< of the region on the sensor
+        unsigned offsetY = 0;
+    };
+
+    FlyCapture2::Error ready() const;
+    void admitArrived(double nowUs);
+    std::optional<std::uint64_t> nextFrame(double nowUs, double deadlineUs);
+    bool admit(std::uint64_t number);
+    void hold(std::uint64_t number);
+    const FrameFault* faultOf(std::uint64_t number, FrameFaultKind kind) const;
+    FlyCapture2::Error timedOut(Lock& lock, double deadlineUs);
+    FlyCapture2::Error deliver(Lock& lock, FlyCapture2::Image& image, std::uint64_t number);
+    std::optional<FlyCapture2::Error> failDelivery(std::uint64_t number);
+    FrameView makeView(std::uint64_t number, const FrameTimes& times, unsigned slot);
+    FlyCapture2::ImageMetadata metadataOf(std::uint64_t number, const FrameTimes& times) const;
+    void render(const Delivery& delivery);
+    bool waitUntil(Lock& lock, double hostUs);
+    FlyCapture2::Error detached() const;
+    double deadline(double nowUs) const;
+
+    Device& device_;
+    std::mutex retrieving_; ///< taken before the camera's mutex; guards the renderer
+    std::condition_variable changed_;
+    std::unique_ptr<Renderer> renderer_;
+
+    FlyCapture2::FC2Config config_;
+    UserMemory user_;
+    bool running_ = false;
+    std::uint64_t run_ = 0; ///< counts starts, so that a wait notices a stop and new start
+    std::shared_ptr<FrameSlots> slots_;
+    FrameSchedule schedule_;
+    std::uint64_t next_ = 0;          ///< first frame that was not admitted yet
+    std::vector<std::uint64_t> held_; ///< arrived and not fetched, oldest first
+    bool stalled_ = false;
+    LossCounters losses_;
+    TruthLog truth_;
+};
+
+} // namespace fcsim
+
+#endif

@@ -1,0 +1,212 @@
+// Capture on one camera: what one retrieval does.
+#include "capture.h"
+#include "device.h"
+#include "sdk_error.h"
+#include "sim_clock.h"
+#include "write_alias.h"
+
+#include <chrono>
+#include <cmath>
+#include <stdexcept>
+#include <string>
+
+namespace fcsim {
+
+using FlyCapture2::Error;
+
+namespace {
+
+std::uint64_t wallTime(double hostUs)
+{
+    return clockEpochUs() + static_cast<std::uint64_t>(std::llround(hostUs));
+}
+
+} // namespace
+
+Error Capture::ready() const
+{
+    if (!running_) {
+        return makeError(FlyCapture2::PGRERROR_ISOCH_NOT_STARTED, "capture is not started");
+    }
+    return device_.attached() ? success() : detached();
+}
+
+Error Capture::detached() const
+{
+    const std::string& exception = device_.description().detachException;
+    if (!exception.empty()) {
+        throw std::runtime_error(exception);
+    }
+    return makeError(FlyCapture2::PGRERROR_NOT_CONNECTED, "the camera has left the bus");
+}
+
+Error Capture::retrieve(FlyCapture2::Image& image)
+{
+    const std::lock_guard turn(retrieving_);
+    Lock lock(device_.mutex());
+    Error error = ready();
+    if (error != FlyCapture2::PGRERROR_OK) {
+        return error;
+    }
+    const double now = Device::hostTime();
+    const double deadlineUs = deadline(now);
+    const std::optional<std::uint64_t> number = nextFrame(now, deadlineUs);
+    schedule_.forget(next_);
+    return number ? deliver(lock, image, *number) : timedOut(lock, deadlineUs);
+}
+
+Error Capture::timedOut(Lock& lock, double deadlineUs)
+{
+    if (!waitUntil(lock, deadlineUs)) {
+        return ready();
+    }
+    return makeError(FlyCapture2::PGRERROR_TIMEOUT, "no frame within the grab time-out of " +
+                                                        std::to_string(config_.grabTimeout) +
+                                                        " ms");
+}
+
+Error Capture::deliver(Lock& lock, FlyCapture2::Image& image, std::uint64_t number)
+{
+    std::optional<unsigned> slot = slots_->take();
+    if (!slot) {
+        attachFrame(image, FrameView()); // the image may hold the one that is needed
+        slot = slots_->take();
+    }
+    if (!slot) {
+        ++losses_.dropped;
+        ++losses_.driver;
+        return makeError(FlyCapture2::PGRERROR_ISOCH_RETRIEVE_BUFFER_FAILED,
+                         "all " + std::to_string(slots_->count()) + " buffers are held by images");
+    }
+    const FrameTimes times = schedule_.times(number);
+    const FlyCapture2::Format7ImageSettings& region = device_.format7().settings();
+    const Delivery delivery{number, times, makeView(number, times, *slot), region.offsetX,
+                            region.offsetY};
+    lock.unlock();
+    render(delivery);
+    lock.lock();
+    std::optional<Error> failure;
+    if (device_.description().delivery.paced && !waitUntil(lock, times.arrivalUs)) {
+        failure = ready();
+    } else {
+        failure = failDelivery(number);
+    }
+    if (failure) {
+        delivery.view.owner->releaseSlot(*slot);
+        return *failure;
+    }
+    truth_.add({number, wallTime(times.startUs), wallTime(times.arrivalUs),
+                static_cast<std::uint32_t>(std::lround(times.timing.exposureUs))});
+    lock.unlock();
+    attachFrame(image, delivery.view);
+    return success();
+}
+
+std::optional<Error> Capture::failDelivery(std::uint64_t number)
+{
+    if (faultOf(number, FrameFaultKind::detach) != nullptr) {
+        device_.setAttached(false);
+        return detached();
+    }
+    if (const FrameFault* fault = faultOf(number, FrameFaultKind::error)) {
+        ++losses_.dropped;
+        return makeError(FlyCapture2::PGRERROR_ISOCH_RETRIEVE_BUFFER_FAILED,
+                         fault->text.empty() ? "simulated retrieval error" : fault->text);
+    }
+    if (faultOf(number, FrameFaultKind::corrupt) != nullptr) {
+        ++losses_.dropped;
+        ++losses_.corrupt;
+        return makeError(FlyCapture2::PGRERROR_IMAGE_CONSISTENCY_ERROR,
+                         "simulated consistency error: part of the frame is missing");
+    }
+    return std::nullopt;
+}
+
+FrameView Capture::makeView(std::uint64_t number, const FrameTimes& times, unsigned slot)
+{
+    const FlyCapture2::Format7ImageSettings& format = device_.format7().settings();
+    FrameView view;
+    view.rows = format.height;
+    view.cols = format.width;
+    view.stride = static_cast<unsigned>(packedRowSize(format.pixelFormat, format.width));
+    view.format = format.pixelFormat;
+    view.tile = isRawFormat(format.pixelFormat) ? device_.tile() : FlyCapture2::NONE;
+    view.data = slots_->address(slot);
+    view.dataSize = static_cast<unsigned>(device_.format7().frameSize());
+    view.receivedDataSize = view.dataSize;
+    view.timeStamp = timeStampOf(device_.cycleTime(times.startUs));
+    view.metadata = metadataOf(number, times);
+    view.blockId = static_cast<unsigned>(number);
+    view.owner = slots_;
+    view.slot = slot;
+    return view;
+}
+
+FlyCapture2::ImageMetadata Capture::metadataOf(std::uint64_t number, const FrameTimes& times) const
+{
+    const FlyCapture2::EmbeddedImageInfo& embedded = device_.embedded();
+    FlyCapture2::ImageMetadata metadata;
+    if (embedded.timestamp.onOff) {
+        metadata.embeddedTimeStamp = packCycleTime(device_.cycleTime(times.startUs));
+    }
+    if (embedded.gain.onOff) {
+        metadata.embeddedGain = times.timing.gainRaw;
+    }
+    if (embedded.shutter.onOff) {
+        metadata.embeddedShutter = times.timing.shutterRaw;
+    }
+    if (embedded.frameCounter.onOff) {
+        const FrameFault* fault = faultOf(number, FrameFaultKind::counter);
+        const std::int64_t error = fault == nullptr ? 0 : std::llround(fault->amount);
+        metadata.embeddedFrameCounter =
+            static_cast<unsigned>(number) + static_cast<unsigned>(error);
+    }
+    if (embedded.ROIPosition.onOff) {
+        const FlyCapture2::Format7ImageSettings& format = device_.format7().settings();
+        metadata.embeddedROIPosition = format.offsetX << 16U | format.offsetY;
+    }
+    return metadata;
+}
+
+void Capture::render(const Delivery& delivery)
+{
+    const CameraDescription& camera = device_.description();
+    if (camera.scene.kind == SceneKind::none) {
+        return;
+    }
+    if (!renderer_) {
+        renderer_ = std::make_unique<Renderer>(camera.scene, camera.sensor);
+    }
+    FrameRequest request;
+    request.format = delivery.view.format;
+    request.offsetX = delivery.offsetX & ~1U; // whole tiles of the colour filter
+    request.offsetY = delivery.offsetY & ~1U;
+    request.width = delivery.view.cols;
+    request.height = delivery.view.rows;
+    request.number = delivery.number;
+    request.shutterUs = static_cast<float>(delivery.times.timing.exposureUs);
+    request.gainDb = delivery.times.timing.gainDb;
+    renderer_->render(request, writableAddress(delivery.view.data));
+}
+
+bool Capture::waitUntil(Lock& lock, double hostUs)
+{
+    const std::uint64_t run = run_;
+    const auto undisturbed = [&] { return running_ && run_ == run && device_.attached(); };
+    if (std::isinf(hostUs)) {
+        // Nothing will ever arrive, and by hand there is no time to wait for.
+        changed_.wait(lock, [&] { return !undisturbed() || clockIsManual(); });
+        return undisturbed();
+    }
+    const auto whole = static_cast<std::uint64_t>(std::llround(std::ceil(hostUs)));
+    const std::uint64_t wakeUp = clockEpochUs() + whole;
+    if (clockIsManual()) {
+        moveClockTo(wakeUp);
+        return undisturbed();
+    }
+    const std::chrono::system_clock::time_point at{std::chrono::microseconds(wakeUp)};
+    changed_.wait_until(lock, at, [&] { return !undisturbed(); });
+    return undisturbed();
+}
+
+} // namespace fcsim

@@ -1,0 +1,115 @@
+// One camera on the simulated bus: everything that stays when programs connect and disconnect.
+#ifndef FCSIM_DEVICE_H
+#define FCSIM_DEVICE_H
+
+#include "bus_description.h"
+#include "camera_clock.h"
+#include "capture.h"
+#include "format7_unit.h"
+#include "lut_store.h"
+#include "property_bank.h"
+#include "register_file.h"
+
+#include <FlyCapture2.h>
+
+#include <atomic>
+#include <cstdint>
+#include <mutex>
+#include <vector>
+
+namespace fcsim {
+
+/// A camera. `mutex()` guards all members but those that say otherwise; hold it for each call.
+class Device {
+public:
+    Device(const CameraDescription& description, unsigned index);
+
+    std::mutex& mutex() { return mutex_; }
+
+    // ---- Any thread, without the mutex.
+
+    const CameraDescription& description() const { return description_; }
+    FlyCapture2::PGRGuid guid() const;
+    const FlyCapture2::CameraInfo& cameraInfo() const { return info_; }
+    /// How long a call that talks to the camera takes, in whole microseconds.
+    std::uint64_t registerUs() const { return static_cast<std::uint64_t>(description_.registerUs); }
+    bool attached() const { return attached_.load(std::memory_order_acquire); }
+    /// True while `owner` is the one that the camera is connected to, attached or not.
+    bool ownedBy(const void* owner) const
+    {
+        return owner_.load(std::memory_order_acquire) == owner;
+    }
+    bool owned() const { return owner_.load(std::memory_order_acquire) != nullptr; }
+    /// Microseconds since the camera clocks were started, on the host's side.
+    static double hostTime();
+    Capture& capture() { return capture_; }
+
+    // ---- Connection.
+
+    /// Connects `owner`; false when another one is connected or the camera is not attached.
+    bool claim(const void* owner);
+    /// Ends the connection and the capture.
+    void release();
+    /// Pulls the camera off the bus, or plugs it in as it is at power-up but for its registers.
+    void setAttached(bool attached);
+
+    // ---- What the SDK's camera objects offer.
+
+    FlyCapture2::Error readRegister(std::uint32_t address, std::uint32_t& value);
+    FlyCapture2::Error writeRegister(std::uint32_t address, std::uint32_t value);
+    /// As a read would give it, without its effects.
+    std::uint32_t peekRegister(std::uint32_t address) const;
+    void pinRegister(std::uint32_t address, std::uint32_t value) { registers_.pin(address, value); }
+    bool powered() const { return powered_; }
+    FlyCapture2::Error setProperty(const FlyCapture2::Property& property);
+    /// Region or format changed.
+    void formatChanged();
+    FlyCapture2::Error stats(FlyCapture2::CameraStats& stats) const;
+    void setEmbedded(const FlyCapture2::EmbeddedImageInfo& wanted);
+
+    CycleTime cycleTime(double hostUs) const { return clock_.at(hostUs); }
+    void stepClock(double us) { clock_.step(us); }
+    /// How frames are taken with what is set now.
+    FrameTiming timing() const;
+    FlyCapture2::BayerTileFormat tile() const { return description_.sensor.tile; }
+    PropertyBank& properties() { return properties_; }
+    Format7Unit& format7() { return format7_; }
+    LutStore& lut() { return lut_; }
+    const FlyCapture2::EmbeddedImageInfo& embedded() const { return embedded_; }
+    FlyCapture2::GigEStreamChannel& streamChannel() { return stream_; }
+    FlyCapture2::StrobeControl& strobe(unsigned pin) { return strobes_[pin]; }
+
+private:
+    /// Most frames a second that region, exposure and bus allow.
+    double highestRate() const;
+    double transferUs() const;
+    double exposureUs() const;
+    void retime();
+    FlyCapture2::Error countPowerRead();
+    void writePower(std::uint32_t value);
+    void definePowerUpRegisters();
+
+    const CameraDescription description_;
+    const FlyCapture2::CameraInfo info_;
+    std::atomic<bool> attached_{true};
+    std::atomic<const void*> owner_{nullptr};
+
+    std::mutex mutex_;
+    CameraClock clock_;
+    RegisterFile registers_;
+    double periodUs_ = 0; ///< between frames, on the host's clock
+    bool powered_ = false;
+    bool powerAsked_ = false;
+    unsigned powerReads_ = 0; ///< of the power register since power was asked for
+    PropertyBank properties_;
+    Format7Unit format7_;
+    LutStore lut_;
+    FlyCapture2::EmbeddedImageInfo embedded_;
+    FlyCapture2::GigEStreamChannel stream_;
+    std::vector<FlyCapture2::StrobeControl> strobes_; ///< by pin
+    Capture capture_;
+};
+
+} // namespace fcsim
+
+#endif
