@@ -1,101 +1,27 @@
 // FlyCapture2::Image: a picture with what is known of it. Copies share the pixels.
-#include "call_gate.h"
-#include "convert.h"
+#include "image_gate.h"
 #include "image_pool.h"
 #include "image_record.h"
 #include "pixel_format.h"
-#include "sdk_error.h"
 
 #include <FlyCapture2.h>
 
-#include <atomic>
-#include <cstring>
-#include <string>
-
 namespace FlyCapture2 {
 
+using fcsim::gated;
 using fcsim::ImageRecord;
+using fcsim::noArguments;
+using fcsim::note;
 using fcsim::PixelShare;
 
+/// The record of an image. For `fcsim::recordOf`.
+ImageRecord& dataOf(const Image& image);
+
 struct Image::ImageData : ImageRecord {
-    static ImageRecord& of(Image& image) { return *image.m_pImageData; }
-    friend ImageRecord& recordOf(Image& image) { return of(image); }
+    static ImageRecord& of(const Image& image) { return *image.m_pImageData; }
+    // The member is private to the SDK's class; a friend defined in here still reaches it.
+    friend ImageRecord& dataOf(const Image& image) { return of(image); }
 };
-
-namespace {
-
-std::atomic<ColorProcessingAlgorithm> defaultColourProcessing{DEFAULT};
-std::atomic<PixelFormat> defaultOutputFormat{PIXEL_FORMAT_BGR};
-
-std::string noArguments()
-{
-    return {};
-}
-
-/// Sends an operation of an image through the gate.
-template <class Describe, class Work>
-Error gated(const char* operation, const Describe& describe, const Work& work)
-{
-    return fcsim::throughGate(fcsim::GateCall{"Image", operation}, describe, work);
-}
-
-/// Leaves a trace of a call that cannot fail.
-void note(const char* operation)
-{
-    if (fcsim::gateWatches.load(std::memory_order_relaxed)) {
-        gated(operation, noArguments, fcsim::success);
-    }
-}
-
-unsigned packedStride(PixelFormat format, unsigned cols)
-{
-    return static_cast<unsigned>(fcsim::packedRowSize(format, cols));
-}
-
-Error tooSmall(std::size_t needed, std::size_t given)
-{
-    return fcsim::makeError(PGRERROR_BUFFER_TOO_SMALL, "The image's buffer holds " +
-                                                           std::to_string(given) + " bytes, " +
-                                                           std::to_string(needed) + " are needed");
-}
-
-/// What an image knows of a frame besides its pixels.
-void copyFacts(const ImageRecord& from, ImageRecord& to)
-{
-    to.colourProcessing = from.colourProcessing;
-    to.timeStamp = from.timeStamp;
-    to.metadata = from.metadata;
-    to.blockId = from.blockId;
-}
-
-Error convertRecord(const ImageRecord& source, PixelFormat format, ImageRecord& target)
-{
-    const std::string obstacle = fcsim::conversionObstacle(source.shape, format);
-    if (!obstacle.empty()) {
-        return fcsim::makeError(PGRERROR_IMAGE_CONVERSION_FAILED, obstacle);
-    }
-    if (!fcsim::holdsPicture(source)) {
-        return fcsim::makeError(PGRERROR_IMAGE_CONSISTENCY_ERROR,
-                                "The image's data is smaller than its dimensions");
-    }
-    const std::size_t size = fcsim::packedSize(format, source.shape.cols, source.shape.rows);
-    if (!fcsim::reserveData(target, size)) {
-        return tooSmall(size, target.pixels.capacity());
-    }
-    const ColorProcessingAlgorithm algorithm = source.colourProcessing == DEFAULT
-                                                   ? Image::GetDefaultColorProcessing()
-                                                   : source.colourProcessing;
-    fcsim::convertPicture(source.shape, source.pixels.data(), format, algorithm,
-                          target.pixels.data());
-    copyFacts(source, target);
-    target.shape = {source.shape.rows, source.shape.cols, packedStride(format, source.shape.cols),
-                    format, fcsim::keepsMosaic(source.shape, format) ? source.shape.tile : NONE};
-    target.dataSize = static_cast<unsigned>(size);
-    target.receivedDataSize = target.dataSize;
-    return fcsim::success();
-}
-
-} // namespace
 
 Image::Image() : m_pImageData(fcsim::poolOf<ImageData>().take()) {}
 
@@ -125,7 +51,7 @@ Image::Image(unsigned int rows, unsigned int cols, PixelFormat format, BayerTile
 {
     const std::size_t size = fcsim::packedSize(format, cols, rows);
     m_pImageData->pixels = PixelShare::allocated(size);
-    m_pImageData->shape = {rows, cols, packedStride(format, cols), format, bayerFormat};
+    m_pImageData->shape = {rows, cols, fcsim::packedStride(format, cols), format, bayerFormat};
     m_pImageData->dataSize = static_cast<unsigned>(size);
     m_pImageData->receivedDataSize = m_pImageData->dataSize;
 }
@@ -162,31 +88,6 @@ unsigned char* Image::operator()(unsigned int row, unsigned int col)
     }
     return m_pImageData->pixels.data() + std::size_t{row} * shape.stride +
            std::size_t{col} * DetermineBitsPerPixel(shape.format) / 8;
-}
-
-Error Image::DeepCopy(const Image* pImage)
-{
-    return gated("DeepCopy", noArguments, [&] {
-        if (pImage == nullptr || pImage == this) {
-            return fcsim::makeError(PGRERROR_INVALID_PARAMETER,
-                                    "DeepCopy needs another image to copy");
-        }
-        const ImageRecord& source = *pImage->m_pImageData;
-        ImageRecord& target = *m_pImageData;
-        if (source.pixels.data() == nullptr) {
-            target = source;
-            return fcsim::success();
-        }
-        if (!fcsim::reserveData(target, source.dataSize)) {
-            return tooSmall(source.dataSize, target.pixels.capacity());
-        }
-        std::memcpy(target.pixels.data(), source.pixels.data(), source.dataSize);
-        copyFacts(source, target);
-        target.shape = source.shape;
-        target.dataSize = source.dataSize;
-        target.receivedDataSize = source.receivedDataSize;
-        return fcsim::success();
-    });
 }
 
 Error Image::SetDimensions(unsigned int rows, unsigned int cols, unsigned int stride,
@@ -338,24 +239,6 @@ Error Image::CalculateStatistics(ImageStatistics* /*pStatistics*/)
     return gated("CalculateStatistics", noArguments, fcsim::notImplemented);
 }
 
-Error Image::Convert(PixelFormat format, Image* pDestImage) const
-{
-    return gated(
-        "Convert", [format] { return std::string(fcsim::pixelFormatName(format)); },
-        [&] {
-            if (pDestImage == nullptr || pDestImage == this) {
-                return fcsim::makeError(PGRERROR_INVALID_PARAMETER,
-                                        "Convert needs another image as its destination");
-            }
-            return convertRecord(*m_pImageData, format, *pDestImage->m_pImageData);
-        });
-}
-
-Error Image::Convert(Image* pDestImage) const
-{
-    return Convert(GetDefaultOutputFormat(), pDestImage);
-}
-
 Error Image::ReleaseBuffer()
 {
     return gated("ReleaseBuffer", noArguments, [&] {
@@ -366,36 +249,18 @@ Error Image::ReleaseBuffer()
     });
 }
 
-Error Image::SetDefaultColorProcessing(ColorProcessingAlgorithm defaultMethod)
-{
-    defaultColourProcessing = defaultMethod;
-    return fcsim::success();
-}
-
-ColorProcessingAlgorithm Image::GetDefaultColorProcessing()
-{
-    return defaultColourProcessing;
-}
-
-Error Image::SetDefaultOutputFormat(PixelFormat format)
-{
-    if (fcsim::findPixelLayout(format) == nullptr) {
-        return fcsim::makeError(PGRERROR_INVALID_PARAMETER,
-                                "The default output format is no pixel format");
-    }
-    defaultOutputFormat = format;
-    return fcsim::success();
-}
-
-PixelFormat Image::GetDefaultOutputFormat()
-{
-    return defaultOutputFormat;
-}
-
-unsigned int Image::DetermineBitsPerPixel(PixelFormat format)
-{
-    const fcsim::PixelLayout* layout = fcsim::findPixelLayout(format);
-    return layout == nullptr ? 0 : layout->bitsPerPixel;
-}
-
 } // namespace FlyCapture2
+
+namespace fcsim {
+
+ImageRecord& recordOf(FlyCapture2::Image& image)
+{
+    return FlyCapture2::dataOf(image);
+}
+
+const ImageRecord& recordOf(const FlyCapture2::Image& image)
+{
+    return FlyCapture2::dataOf(image);
+}
+
+} // namespace fcsim

@@ -28,7 +28,7 @@ bool holdsPicture(const ImageRecord& record)
 
 void attachFrame(FlyCapture2::Image& image, const FrameView& frame)
 {
-    ImageRecord& record = FlyCapture2::recordOf(image);
+    ImageRecord& record = recordOf(image);
     record.pixels = PixelShare();
     record.pixels = PixelShare::lent(frame.data, frame.dataSize, frame.owner, frame.slot);
     record.shape = {frame.rows, frame.cols, frame.stride, frame.format, frame.tile};

@@ -4,6 +4,7 @@
 
 #include "convert.h"
 #include "image_store.h"
+#include "pixel_format.h"
 
 namespace fcsim {
 
@@ -26,11 +27,16 @@ bool reserveData(ImageRecord& record, std::size_t size);
 /// True when the pixels reach as far as the dimensions say.
 bool holdsPicture(const ImageRecord& record);
 
-} // namespace fcsim
-
-namespace FlyCapture2 {
 /// The record of `image`.
-fcsim::ImageRecord& recordOf(Image& image);
-} // namespace FlyCapture2
+ImageRecord& recordOf(FlyCapture2::Image& image);
+const ImageRecord& recordOf(const FlyCapture2::Image& image);
+
+/// Bytes from row to row of a packed picture.
+inline unsigned packedStride(FlyCapture2::PixelFormat format, unsigned cols)
+{
+    return static_cast<unsigned>(packedRowSize(format, cols));
+}
+
+} // namespace fcsim
 
 #endif

@@ -182,7 +182,8 @@ Error refuseOptions(const char* name)
 
 Error Image::Save(const char* pFilename, ImageFileFormat format)
 {
-    return gatedSave(pFilename, [&] { return saveImage(recordOf(*this), pFilename, format); });
+    return gatedSave(pFilename,
+                     [&] { return saveImage(fcsim::recordOf(*this), pFilename, format); });
 }
 
 Error Image::Save(const char* pFilename, PNGOption* /*pOption*/)
