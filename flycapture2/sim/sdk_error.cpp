@@ -8,12 +8,13 @@
 namespace FlyCapture2 {
 
 /// An error with its data. For `fcsim::makeError`.
-Error buildError(ErrorType type, std::string description, std::source_location where);
+Error buildError(ErrorType type, std::string description, const char* file, unsigned line);
 
 /// What a failure carries; shared by the copies of an error. A success carries nothing.
 struct Error::ErrorData {
     std::string description;
-    std::source_location where;
+    const char* file;
+    unsigned line;
     std::atomic<unsigned> users{1};
 
     static ErrorData* share(ErrorData* data)
@@ -29,17 +30,18 @@ struct Error::ErrorData {
             delete data;
         }
     }
-    static Error build(ErrorType type, std::string description, std::source_location where)
+    static Error build(ErrorType type, std::string description, const char* file, unsigned line)
     {
         Error error;
         error.m_errorType = type;
-        error.m_pErrorData = new ErrorData{std::move(description), where};
+        error.m_pErrorData = new ErrorData{std::move(description), file, line};
         return error;
     }
     // The members are private to the SDK's class; a friend defined in here still reaches them.
-    friend Error buildError(ErrorType type, std::string description, std::source_location where)
+    friend Error buildError(ErrorType type, std::string description, const char* file,
+                            unsigned line)
     {
-        return build(type, std::move(description), where);
+        return build(type, std::move(description), file, line);
     }
 };
 
@@ -96,12 +98,12 @@ const char* Error::GetDescription() const
 
 unsigned int Error::GetLine() const
 {
-    return m_pErrorData == nullptr ? 0 : m_pErrorData->where.line();
+    return m_pErrorData == nullptr ? 0 : m_pErrorData->line;
 }
 
 const char* Error::GetFilename() const
 {
-    return m_pErrorData == nullptr ? "" : m_pErrorData->where.file_name();
+    return m_pErrorData == nullptr ? "" : m_pErrorData->file;
 }
 
 Error Error::GetCause() const
@@ -129,10 +131,10 @@ void Error::PrintErrorTrace() const
 
 namespace fcsim {
 
-FlyCapture2::Error makeError(FlyCapture2::ErrorType type, std::string description,
-                             std::source_location where)
+FlyCapture2::Error makeError(FlyCapture2::ErrorType type, std::string description, const char* file,
+                             unsigned line)
 {
-    return FlyCapture2::buildError(type, std::move(description), where);
+    return FlyCapture2::buildError(type, std::move(description), file, line);
 }
 
 FlyCapture2::Error notImplemented()

@@ -4,7 +4,6 @@
 
 #include <FlyCapture2.h>
 
-#include <source_location>
 #include <string>
 
 namespace fcsim {
@@ -15,9 +14,10 @@ inline FlyCapture2::Error success()
     return {};
 }
 
-/// A failure: `description` is what `GetDescription` gives. REQUIRES: `type` is not PGRERROR_OK.
+/// A failure: `description` is what `GetDescription` gives, `file` (lives for ever) and `line`
+/// where it was found. REQUIRES: `type` is not PGRERROR_OK.
 FlyCapture2::Error makeError(FlyCapture2::ErrorType type, std::string description,
-                             std::source_location where = std::source_location::current());
+                             const char* file = __builtin_FILE(), unsigned line = __builtin_LINE());
 
 /// The answer of all operations that the simulation leaves out.
 FlyCapture2::Error notImplemented();
