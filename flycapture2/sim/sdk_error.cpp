@@ -38,10 +38,10 @@ struct Error::ErrorData {
         return error;
     }
     // The members are private to the SDK's class; a friend defined in here still reaches them.
-    friend Error buildError(ErrorType type, std::string description, const char* file,
-                            unsigned line)
+    friend Error buildError(ErrorType type, std::string description, const char* inFile,
+                            unsigned atLine)
     {
-        return build(type, std::move(description), file, line);
+        return build(type, std::move(description), inFile, atLine);
     }
 };
 
