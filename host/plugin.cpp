@@ -14,7 +14,7 @@ namespace {
 /// The name that the plug-in was linked against; what has it is taken for the camera library.
 constexpr const char* kLibraryName = "libflycapture.so.2";
 /// The simulation reads the description of its bus from the file that this variable names.
-constexpr const char* kBusVariable = "FCSIM_BUS";
+constexpr const char* kBusVariable = "FLYCAPTURE2_SIM_BUS";
 
 std::string loaderText()
 {
