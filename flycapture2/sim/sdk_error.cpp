@@ -38,10 +38,9 @@ struct Error::ErrorData {
         return error;
     }
     // The members are private to the SDK's class; a friend defined in here still reaches them.
-    friend Error buildError(ErrorType type, std::string description, const char* inFile,
-                            unsigned atLine)
+    friend Error buildError(ErrorType type, std::string text, const char* inFile, unsigned atLine)
     {
-        return build(type, std::move(description), inFile, atLine);
+        return build(type, std::move(text), inFile, atLine);
     }
 };
 
