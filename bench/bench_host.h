@@ -1,0 +1,37 @@
+// Empty host services: nothing but the frame memory, a few settings, and marks of time.
+#ifndef KX_BENCH_HOST_H
+#define KX_BENCH_HOST_H
+
+#include "usage.h"
+
+#include <cstddef>
+#include <cstdint>
+
+namespace kxbench {
+
+/// What the host services answer, and what they saw. Set before a run.
+struct Host {
+    std::uint32_t frames = 0;       ///< frames to retrieve
+    std::uint32_t buffers = 8;      ///< frame buffers
+    std::uint32_t measureFrom = 0;  ///< export after which the measurement starts
+    std::uint32_t measureUntil = 0; ///< export after which it ends
+
+    std::uint32_t exports = 0; ///< so far
+    Usage from;                ///< at `measureFrom`
+    Usage until;               ///< at `measureUntil`
+    double firstFrameUs = 0;   ///< wall time of the first frame's arrival, 0 = none yet
+};
+
+/// The one host of the program.
+Host& host();
+
+/// Empties what the host saw; `frames` and the measured span as given.
+void prepareHost(std::uint32_t measureFrom, std::uint32_t measureUntil);
+
+/// Frame memory as the host services hand it out: `buffers` slots, page-aligned.
+unsigned char* frameMemory();
+std::size_t slotBytes();
+
+} // namespace kxbench
+
+#endif
