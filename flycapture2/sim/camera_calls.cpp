@@ -64,8 +64,7 @@ Error CameraCalls::startCapture(FlyCapture2::ImageEventCallback callback)
     if (callback != nullptr) {
         return leftOut("StartCapture"); // there is no thread that could call it
     }
-    return camera("StartCapture", true, noArguments,
-                  [](Device& device) { return device.capture().start(); });
+    return call("StartCapture", Reach::camera, true, noArguments, [&] { return start(); });
 }
 
 Error CameraCalls::retrieveBuffer(FlyCapture2::Image* image)

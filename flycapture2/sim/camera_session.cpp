@@ -90,6 +90,12 @@ Error CameraSession::disconnect()
     return success();
 }
 
+Error CameraSession::start()
+{
+    Device* device = connectedDevice();
+    return device != nullptr && device->attached() ? device->capture().start() : notConnected();
+}
+
 Error CameraSession::retrieve(FlyCapture2::Image& image)
 {
     Device* device = connectedDevice();

@@ -28,6 +28,7 @@ public:
     FlyCapture2::Error connect(const FlyCapture2::PGRGuid* guid);
     FlyCapture2::Error disconnect();
     bool connected() const;
+    FlyCapture2::Error start();
     FlyCapture2::Error retrieve(FlyCapture2::Image& image);
 
     /// Calls `work` with the connected camera, its mutex held; fails when there is none.

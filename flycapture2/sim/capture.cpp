@@ -27,6 +27,13 @@ FlyCapture2::FC2Config defaultConfig()
     return config;
 }
 
+Error tooSmall(std::size_t size, std::size_t frameSize)
+{
+    return makeError(FlyCapture2::PGRERROR_BUFFER_TOO_SMALL,
+                     "user buffers of " + std::to_string(size) +
+                         " bytes are too small for frames of " + std::to_string(frameSize));
+}
+
 } // namespace
 
 Capture::Capture(Device& device)
@@ -37,6 +44,28 @@ Capture::Capture(Device& device)
 
 Error Capture::start()
 {
+    {
+        const std::lock_guard lock(device_.mutex());
+        Error error = startable();
+        if (error != FlyCapture2::PGRERROR_OK) {
+            return error;
+        }
+    }
+    const std::lock_guard turn(retrieving_);
+    const std::lock_guard lock(device_.mutex());
+    Error error = startable();
+    if (error != FlyCapture2::PGRERROR_OK) {
+        return error;
+    }
+    error = prepareScene();
+    if (error == FlyCapture2::PGRERROR_OK) {
+        begin();
+    }
+    return error;
+}
+
+Error Capture::startable() const
+{
     if (running_) {
         return makeError(FlyCapture2::PGRERROR_ISOCH_ALREADY_STARTED, "capture is already started");
     }
@@ -45,13 +74,16 @@ Error Capture::start()
     }
     const std::size_t frameSize = device_.format7().frameSize();
     if (user_.memory != nullptr && user_.size < frameSize) {
-        return makeError(FlyCapture2::PGRERROR_BUFFER_TOO_SMALL,
-                         "user buffers of " + std::to_string(user_.size) +
-                             " bytes are too small for frames of " + std::to_string(frameSize));
+        return tooSmall(user_.size, frameSize);
     }
+    return success();
+}
+
+void Capture::begin()
+{
     slots_ = user_.memory != nullptr
                  ? std::make_shared<FrameSlots>(user_.memory, user_.size, user_.count)
-                 : std::make_shared<FrameSlots>(frameSize, config_.numBuffers);
+                 : std::make_shared<FrameSlots>(device_.format7().frameSize(), config_.numBuffers);
     truth_.prepare();
     held_.clear();
     held_.reserve(slots_->count());
@@ -60,7 +92,6 @@ Error Capture::start()
     running_ = true;
     ++run_;
     schedule_.begin(Device::hostTime(), device_.timing());
-    return success();
 }
 
 Error Capture::stop()
@@ -87,9 +118,7 @@ Error Capture::setUserBuffers(std::uint8_t* memory, int size, int count)
     }
     const std::size_t frameSize = device_.format7().frameSize();
     if (static_cast<std::size_t>(size) < frameSize) {
-        return makeError(FlyCapture2::PGRERROR_BUFFER_TOO_SMALL,
-                         "user buffers of " + std::to_string(size) +
-                             " bytes are too small for frames of " + std::to_string(frameSize));
+        return tooSmall(static_cast<std::size_t>(size), frameSize);
     }
     user_ = {memory, static_cast<std::size_t>(size), static_cast<unsigned>(count)};
     return success();

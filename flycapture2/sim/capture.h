@@ -32,11 +32,13 @@ struct LossCounters {
     unsigned driver = 0;       ///< arrived, but nobody fetched them in time
 };
 
-/// The capture of a camera. Hold the camera's mutex for every call but `retrieve`, which takes it.
+/// The capture of a camera. Hold the camera's mutex for every call but `start` and `retrieve`,
+/// which take it.
 class Capture {
 public:
     explicit Capture(Device& device);
 
+    /// Begins a capture. The first one makes the scene ready, which takes tens of milliseconds.
     FlyCapture2::Error start();
     FlyCapture2::Error stop();
     /// Waits for the next frame and puts it into `image`. One thread at a time; others queue up.
@@ -66,15 +68,9 @@ private:
         std::size_t size = 0;
         unsigned count = 0;
     };
-    /// A frame chosen for delivery.
-    struct Delivery {
-        std::uint64_t number = 0;
-        FrameTimes times;
-        FrameView view;
-        unsigned offsetX = 0; ///< of the region on the sensor
-        unsigned offsetY = 0;
-    };
-
+    FlyCapture2::Error startable() const;
+    FlyCapture2::Error prepareScene();
+    void begin();
     FlyCapture2::Error ready() const;
     void admitArrived(double nowUs);
     std::optional<std::uint64_t> nextFrame(double nowUs, double deadlineUs);
@@ -86,7 +82,8 @@ private:
     std::optional<FlyCapture2::Error> failDelivery(std::uint64_t number);
     FrameView makeView(std::uint64_t number, const FrameTimes& times, unsigned slot);
     FlyCapture2::ImageMetadata metadataOf(std::uint64_t number, const FrameTimes& times) const;
-    void render(const Delivery& delivery);
+    FlyCapture2::Error render(std::uint64_t number, const FrameTiming& timing,
+                              const FlyCapture2::Format7ImageSettings& region, std::uint8_t* out);
     bool waitUntil(Lock& lock, double hostUs);
     FlyCapture2::Error detached() const;
     double deadline(double nowUs) const;

@@ -79,26 +79,27 @@ Error Capture::deliver(Lock& lock, FlyCapture2::Image& image, std::uint64_t numb
                          "all " + std::to_string(slots_->count()) + " buffers are held by images");
     }
     const FrameTimes times = schedule_.times(number);
-    const FlyCapture2::Format7ImageSettings& region = device_.format7().settings();
-    const Delivery delivery{number, times, makeView(number, times, *slot), region.offsetX,
-                            region.offsetY};
+    const FlyCapture2::Format7ImageSettings region = device_.format7().settings();
+    const FrameView view = makeView(number, times, *slot);
     lock.unlock();
-    render(delivery);
+    const Error rendered = render(number, times.timing, region, writableAddress(view.data));
     lock.lock();
     std::optional<Error> failure;
-    if (device_.description().delivery.paced && !waitUntil(lock, times.arrivalUs)) {
+    if (rendered != FlyCapture2::PGRERROR_OK) {
+        failure = rendered;
+    } else if (device_.description().delivery.paced && !waitUntil(lock, times.arrivalUs)) {
         failure = ready();
     } else {
         failure = failDelivery(number);
     }
     if (failure) {
-        delivery.view.owner->releaseSlot(*slot);
+        view.owner->releaseSlot(*slot);
         return *failure;
     }
     truth_.add({number, wallTime(times.startUs), wallTime(times.arrivalUs),
                 static_cast<std::uint32_t>(std::lround(times.timing.exposureUs))});
     lock.unlock();
-    attachFrame(image, delivery.view);
+    attachFrame(image, view);
     return success();
 }
 
@@ -168,25 +169,38 @@ FlyCapture2::ImageMetadata Capture::metadataOf(std::uint64_t number, const Frame
     return metadata;
 }
 
-void Capture::render(const Delivery& delivery)
+Error Capture::prepareScene()
 {
     const CameraDescription& camera = device_.description();
-    if (camera.scene.kind == SceneKind::none) {
-        return;
+    if (renderer_ || camera.scene.kind == SceneKind::none) {
+        return success();
     }
+    renderer_ = std::make_unique<Renderer>(camera.scene, camera.sensor);
+    std::vector<std::uint8_t> trial(device_.format7().frameSize());
+    return render(0, device_.timing(), device_.format7().settings(), trial.data());
+}
+
+Error Capture::render(std::uint64_t number, const FrameTiming& timing,
+                      const FlyCapture2::Format7ImageSettings& region, std::uint8_t* out)
+{
     if (!renderer_) {
-        renderer_ = std::make_unique<Renderer>(camera.scene, camera.sensor);
+        return success();
     }
     FrameRequest request;
-    request.format = delivery.view.format;
-    request.offsetX = delivery.offsetX & ~1U; // whole tiles of the colour filter
-    request.offsetY = delivery.offsetY & ~1U;
-    request.width = delivery.view.cols;
-    request.height = delivery.view.rows;
-    request.number = delivery.number;
-    request.shutterUs = static_cast<float>(delivery.times.timing.exposureUs);
-    request.gainDb = delivery.times.timing.gainDb;
-    renderer_->render(request, writableAddress(delivery.view.data));
+    request.format = region.pixelFormat;
+    request.offsetX = region.offsetX & ~1U; // whole tiles of the colour filter
+    request.offsetY = region.offsetY & ~1U;
+    request.width = region.width;
+    request.height = region.height;
+    request.number = number;
+    request.shutterUs = static_cast<float>(timing.exposureUs);
+    request.gainDb = timing.gainDb;
+    try {
+        renderer_->render(request, out);
+    } catch (const SceneError& error) {
+        return makeError(FlyCapture2::PGRERROR_FAILED, error.what());
+    }
+    return success();
 }
 
 bool Capture::waitUntil(Lock& lock, double hostUs)
