@@ -1,17 +1,17 @@
 // In-process control of the simulated cameras: faults, a record of the calls, a clock by hand.
 //
-// For programs that link the simulation and drive it, above all tests. Everything here is thread-safe
-// and acts on the whole process; `reset()` brings back the state at load.
+// For programs that link the simulation and drive it, above all tests. Everything here is
+// thread-safe and acts on the whole process; `reset()` brings back the state at load.
 #ifndef FCSIM_SIM_CONTROL_H
 #define FCSIM_SIM_CONTROL_H
+
+#include <FlyCapture2.h>
 
 #include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
-
-#include <FlyCapture2.h>
 
 namespace fcsim {
 
@@ -30,8 +30,8 @@ FCSIM_API std::string loadBus(std::string_view toml, std::string_view name);
 
 /// The simulation's time: the host's clock, or the hand-driven one.
 FCSIM_API std::uint64_t nowUs();
-/// Stops the simulation's clock at `startUs`. From here on nothing sleeps: a wait for a frame or for a
-/// register moves the clock forward by its length instead.
+/// Stops the simulation's clock at `startUs`. From here on nothing sleeps: a wait for a frame or
+/// for a register moves the clock forward by its length instead.
 FCSIM_API void useManualClock(std::uint64_t startUs);
 /// Moves the hand-driven clock. REQUIRES: `useManualClock` was called.
 FCSIM_API void advanceClock(std::uint64_t us);
@@ -41,10 +41,10 @@ FCSIM_API void useHostClock();
 // ---- Record of the calls that clients made.
 
 struct Call {
-    std::string object;             ///< "BusManager", "Camera", "GigECamera" or "Image"
-    std::string operation;          ///< name of the member function, e.g. "ReadRegister"
-    std::string arguments;          ///< e.g. "0x1EA8", "GAIN abs=3.5 on"; empty where there are none
-    FlyCapture2::ErrorType result;  ///< what was answered
+    std::string object;            ///< "BusManager", "Camera", "GigECamera" or "Image"
+    std::string operation;         ///< name of the member function, e.g. "ReadRegister"
+    std::string arguments;         ///< e.g. "0x1EA8", "GAIN abs=3.5 on"; empty where there are none
+    FlyCapture2::ErrorType result; ///< what was answered
 };
 /// Starts an empty record; `takeCalls` returns what has come together since, and empties it.
 FCSIM_API void recordCalls(bool on);
@@ -53,17 +53,17 @@ FCSIM_API std::vector<Call> takeCalls();
 // ---- Faults by name. The description of a fault's error begins with "simulated".
 
 struct Fault {
-    std::string operation;          ///< member function to fail, e.g. "RetrieveBuffer"
-    std::string detail;             ///< only calls whose recorded arguments begin with this; "" = all
-    unsigned skip = 0;              ///< let this many matching calls pass first
-    unsigned count = 1;             ///< then fail this many; 0 = all to come
+    std::string operation{}; ///< member function to fail, e.g. "RetrieveBuffer"
+    std::string detail{};    ///< only calls whose recorded arguments begin with this; "" = all
+    unsigned skip = 0;       ///< let this many matching calls pass first
+    unsigned count = 1;      ///< then fail this many; 0 = all to come
     FlyCapture2::ErrorType error = FlyCapture2::PGRERROR_FAILED;
-    std::string description;        ///< "" = a text that names the operation
-    std::string throws;             ///< not "": throw std::runtime_error with this text instead
-    bool throwsOther = false;       ///< throw an object that is no std::exception instead
-    bool detach = false;            ///< the camera leaves the bus with this fault (IsConnected: false)
-    bool skipEffect = false;        ///< answer OK but do nothing (outputs stay as the caller set them)
-    unsigned serial = 0;            ///< only calls to the camera with this serial number; 0 = all calls
+    std::string description{}; ///< "" = a text that names the operation
+    std::string throws{};      ///< not "": throw std::runtime_error with this text instead
+    bool throwsOther = false;  ///< throw an object that is no std::exception instead
+    bool detach = false;       ///< the camera leaves the bus with this fault (IsConnected: false)
+    bool skipEffect = false;   ///< answer OK but do nothing (outputs stay as the caller set them)
+    unsigned serial = 0;       ///< only calls to the camera with this serial number; 0 = all calls
 };
 FCSIM_API void addFault(const Fault& fault);
 FCSIM_API void clearFaults();
@@ -73,23 +73,24 @@ FCSIM_API void clearFaults();
 /// Pulls the camera off the bus, or plugs it in again.
 FCSIM_API void setAttached(unsigned serial, bool attached);
 /// Reads or overwrites a camera register as seen by ReadRegister, without a call being recorded.
-/// An overwritten register keeps the value (reads give it, for the clock register too) until `reset`.
+/// An overwritten register keeps the value (reads give it, for the clock register too) until
+/// `reset`.
 FCSIM_API std::uint32_t peekRegister(unsigned serial, std::uint32_t address);
 FCSIM_API void pokeRegister(unsigned serial, std::uint32_t address, std::uint32_t value);
 
 /// What is true of a delivered frame.
 struct FrameTruth {
-    std::uint64_t number = 0;           ///< frames exposed since StartCapture, 0 based
-    std::uint64_t exposureStartUs = 0;  ///< on the simulation's clock
-    std::uint64_t arrivalUs = 0;        ///< when the frame was complete in host memory
+    std::uint64_t number = 0;          ///< frames exposed since StartCapture, 0 based
+    std::uint64_t exposureStartUs = 0; ///< on the simulation's clock
+    std::uint64_t arrivalUs = 0;       ///< when the frame was complete in host memory
     std::uint32_t exposureUs = 0;
 };
 /// Truth of the frames delivered since the last call, oldest first; at most the newest 65536.
 FCSIM_API std::vector<FrameTruth> takeTruth(unsigned serial);
 
 /// Lets the simulation write to user buffers through another mapping of the same memory: an address
-/// in [seen, seen + bytes) is written at the same distance from `writable`. For memory that the client
-/// has protected. `bytes` 0 ends it.
+/// in [seen, seen + bytes) is written at the same distance from `writable`. For memory that the
+/// client has protected. `bytes` 0 ends it.
 FCSIM_API void aliasWrites(const void* seen, void* writable, std::size_t bytes);
 
 } // namespace fcsim

@@ -5,6 +5,8 @@
 #include <filesystem>
 #include <fstream>
 
+#include <unistd.h>
+
 using namespace FlyCapture2;
 
 namespace {
@@ -58,7 +60,7 @@ TEST_F(SimBus, OperationsThatAreLeftOutSaySo)
 TEST_F(SimBus, AMistypedKeyIsNamedWithItsLineAndTheLikelyOne)
 {
     const std::string problem = problemOf(cameraToml("[camera.clock]\ndrift_pmp = 3.0\n"));
-    EXPECT_NE(problem.find("bus.toml:15: camera.clock.drift_pmp: unknown key"), std::string::npos)
+    EXPECT_NE(problem.find("bus.toml:16: camera.clock.drift_pmp: unknown key"), std::string::npos)
         << problem;
     EXPECT_NE(problem.find("did you mean \"drift_ppm\"?"), std::string::npos) << problem;
 }
@@ -66,7 +68,7 @@ TEST_F(SimBus, AMistypedKeyIsNamedWithItsLineAndTheLikelyOne)
 TEST_F(SimBus, AnImpossibleValueIsNamedWithItsRange)
 {
     const std::string problem = problemOf(cameraToml("[camera.clock]\nwrap_seconds = 129\n"));
-    EXPECT_EQ(problem, "bus.toml:15: camera.clock.wrap_seconds: 129 is not within 1 to 128");
+    EXPECT_EQ(problem, "bus.toml:16: camera.clock.wrap_seconds: 129 is not within 1 to 128");
 }
 
 TEST_F(SimBus, AMissingKeyIsNamed)

@@ -1,6 +1,7 @@
 // Capture on simulated cameras: when frames come, what they carry, which are lost.
 #include "sim_fixture.h"
 
+#include <algorithm>
 #include <array>
 #include <vector>
 
@@ -22,10 +23,7 @@ protected:
         configure(timeoutMs, mode, buffers);
         ASSERT_EQ(camera.StartCapture().GetType(), PGRERROR_OK);
     }
-    ErrorType retrieve()
-    {
-        return camera.RetrieveBuffer(&image).GetType();
-    }
+    ErrorType retrieve() { return camera.RetrieveBuffer(&image).GetType(); }
     std::vector<std::uint64_t> deliveredNumbers()
     {
         std::vector<std::uint64_t> numbers;
@@ -148,7 +146,7 @@ TEST_F(SimCapture, AStalledCameraTimesOutAgainAndAgain)
     for (int i = 0; i < 5000; ++i) {
         ASSERT_EQ(retrieve(), PGRERROR_TIMEOUT);
     }
-    EXPECT_EQ(fcsim::nowUs(), kStartUs + kWayUs + 5000U * 2'000'000);
+    EXPECT_EQ(fcsim::nowUs(), kStartUs + kWayUs + 5000 * std::uint64_t{2'000'000});
 }
 
 TEST_F(SimCapture, UserBuffersAreFilledInRingOrder)

@@ -2,13 +2,13 @@
 #ifndef KX_TESTS_SIM_FIXTURE_H
 #define KX_TESTS_SIM_FIXTURE_H
 
-#include <string>
-
-#include <sim_control.h>
-
 #include <FlyCapture2.h>
 
 #include <gtest/gtest.h>
+
+#include <string>
+
+#include <sim_control.h>
 
 constexpr unsigned kSerial = 7001;
 constexpr std::uint64_t kStartUs = 1'700'000'000'000'000;
