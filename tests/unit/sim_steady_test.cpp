@@ -1,0 +1,122 @@
+// The simulation in steady state: no allocation per frame, and calls from other threads meanwhile.
+#include "sim_fixture.h"
+
+#include <atomic>
+#include <chrono>
+#include <cstdlib>
+#include <new>
+#include <thread>
+
+using namespace FlyCapture2;
+
+namespace {
+
+std::atomic<std::size_t> allocations{0};
+
+} // namespace
+
+// The library's allocations come here too, as the program's symbols go before. Not inlined, or the
+// compiler takes the pair of malloc and delete for a mistake.
+[[gnu::noinline]] void* operator new(std::size_t size)
+{
+    allocations.fetch_add(1, std::memory_order_relaxed);
+    if (void* memory = std::malloc(size)) {
+        return memory;
+    }
+    throw std::bad_alloc();
+}
+
+[[gnu::noinline]] void operator delete(void* memory) noexcept
+{
+    std::free(memory);
+}
+
+[[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept
+{
+    std::free(memory);
+}
+
+namespace {
+
+class SimSteady : public SimTest {
+protected:
+    /// What a grab loop asks the camera for in each frame.
+    bool oneFrame()
+    {
+        Image image;
+        unsigned clock = 0;
+        CameraStats stats;
+        bool good = camera.RetrieveBuffer(&image) == PGRERROR_OK;
+        good = camera.ReadRegister(0x1EA8, &clock) == PGRERROR_OK && good;
+        for (const PropertyType type : {GAIN, SHUTTER}) {
+            PropertyInfo info(type);
+            Property property(type);
+            good = camera.GetPropertyInfo(&info) == PGRERROR_OK && good;
+            good = camera.GetProperty(&property) == PGRERROR_OK && good;
+        }
+        good = camera.GetStats(&stats) == PGRERROR_OK && good;
+        return good && image.GetMetadata().embeddedGain == 0;
+    }
+};
+
+TEST_F(SimSteady, AFrameAllocatesNothing)
+{
+    ASSERT_EQ(fcsim::loadBus("[[camera]]\nmodel = \"A\"\nserial = 7001\ninterface = \"usb3\"\n"
+                             "register_time_us = 0\n[camera.sensor]\nwidth = 320\nheight = 240\n",
+                             "test.toml"),
+              "");
+    ASSERT_EQ(camera.Connect(nullptr).GetType(), PGRERROR_OK);
+    ASSERT_EQ(camera.StartCapture().GetType(), PGRERROR_OK);
+    for (int warmUp = 0; warmUp < 20; ++warmUp) {
+        ASSERT_TRUE(oneFrame());
+    }
+    const std::size_t before = allocations.load();
+    bool good = true;
+    for (int frame = 0; frame < 500; ++frame) {
+        good = oneFrame() && good;
+    }
+    EXPECT_TRUE(good);
+    EXPECT_EQ(allocations.load() - before, 0U);
+}
+
+TEST_F(SimSteady, OtherThreadsReadRegistersWhileARetrievalWaits)
+{
+    connect();
+    fcsim::useHostClock();
+    ASSERT_EQ(camera.StartCapture().GetType(), PGRERROR_OK);
+    std::atomic<bool> stop{false};
+    std::atomic<unsigned> reads{0};
+    std::thread reader([&] {
+        unsigned value = 0;
+        while (!stop.load()) {
+            if (camera.ReadRegister(0x1110, &value) == PGRERROR_OK && camera.IsConnected()) {
+                reads.fetch_add(1);
+            }
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        }
+    });
+    bool good = true;
+    for (int frame = 0; frame < 5; ++frame) { // 40 ms each
+        good = oneFrame() && good;
+    }
+    stop = true;
+    reader.join();
+    EXPECT_TRUE(good);
+    EXPECT_GT(reads.load(), 10U);
+}
+
+TEST_F(SimSteady, AStopEndsTheWaitOfAnotherThread)
+{
+    connect("[[camera.fault]]\nkind = \"stall\"\nframe = 0\n");
+    fcsim::useHostClock();
+    ASSERT_EQ(camera.StartCapture().GetType(), PGRERROR_OK);
+    std::thread stopper([&] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        EXPECT_EQ(camera.StopCapture().GetType(), PGRERROR_OK);
+    });
+    Image image;
+    EXPECT_EQ(camera.RetrieveBuffer(&image).GetType(), PGRERROR_ISOCH_NOT_STARTED);
+    stopper.join();
+}
+
+} // namespace
