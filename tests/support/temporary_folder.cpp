@@ -7,7 +7,7 @@
 #include <stdexcept>
 #include <system_error>
 
-#include <stdlib.h>
+#include <unistd.h>
 
 namespace kxtest {
 

@@ -53,8 +53,8 @@ TEST(PictureYuv, BytesStandAsTheCameraSendsThem)
     kxhost::yuv411ToRgb(in.data(), 4, out.data());
     for (unsigned i = 0; i < 4; ++i) {
         const int y = 10 * static_cast<int>(i + 1);
-        EXPECT_EQ(out[i * 3], y + 140) << i;
-        EXPECT_EQ(out[i * 3 + 2], y) << i;
+        EXPECT_EQ(out[std::size_t{i} * 3], y + 140) << i;
+        EXPECT_EQ(out[std::size_t{i} * 3 + 2], y) << i;
     }
 }
 

@@ -1,0 +1,78 @@
+// One grab of kxhost with the simulated cameras, as a process, and what it left on disk.
+#ifndef KX_TEST_GRAB_SESSION_H
+#define KX_TEST_GRAB_SESSION_H
+
+#include "process.h"
+#include "temporary_folder.h"
+
+#include <nlohmann/json.hpp>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace kxtest {
+
+/// The program under test.
+std::string kxhostPath();
+
+/// Model and serial number of the camera.
+inline constexpr const char* kModel = "Tester TST-1";
+inline constexpr unsigned kSerial = 424242;
+
+/// The sensor of a simulated camera, small and fast enough for tests.
+struct TestSensor {
+    unsigned width = 64;
+    unsigned height = 48;
+    std::string tile;       ///< "RGGB" or so; empty = monochrome
+    double frameRate = 200; ///< frames a second
+    bool paced = false;     ///< frames come in time; otherwise each as soon as it is fetched
+};
+
+/// TOML of a bus with one camera. `extra` holds further keys and tables of the camera.
+std::string busWith(const TestSensor& sensor, const std::string& extra = "");
+/// The same with one scheduled fault, given by its keys.
+std::string busWithFault(const std::string& keys, bool paced = false);
+
+class GrabSession {
+    TemporaryFolder folder_;
+
+public:
+    /// The bus that the grab sees; by default one monochrome camera.
+    std::string bus = busWith(TestSensor());
+    /// Keys of the configuration, "section.key=value".
+    std::vector<std::string> settings = {"grab.frames=5"};
+    /// Neither progress nor summary.
+    bool quiet = true;
+    /// Further arguments.
+    std::vector<std::string> arguments;
+    /// Where the frames go; by default into the session's own folder.
+    std::string outputFolder = output();
+    /// No file that kxhost writes may grow beyond this, as on a full disk; 0 = no limit.
+    std::size_t filesMayGrowTo = 0;
+
+    void set(const std::string& setting) { settings.push_back(setting); }
+
+    /// Starts kxhost; the session must outlive the process.
+    std::unique_ptr<Process> start();
+    /// Runs it to its end.
+    Finished run();
+
+    /// Waits until at least `count` frames are complete; false when `process` ends before that.
+    bool waitForFrames(Process& process, std::size_t count) const;
+
+    std::string output(const std::string& name = "") const;
+    /// The metadata, one object for each exported frame.
+    std::vector<nlohmann::json> frames() const;
+    nlohmann::json summary() const;
+    /// Names of the pictures in the output folder, sorted.
+    std::vector<std::string> pictures() const;
+    const TemporaryFolder& folder() const { return folder_; }
+};
+
+/// Checks that the numbers of a summary balance and that the files on disk are those it counts.
+void expectBalance(const GrabSession& session);
+
+} // namespace kxtest
+
+#endif

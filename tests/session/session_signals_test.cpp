@@ -1,0 +1,72 @@
+// Signals end a grab without losing a frame that was accepted.
+#include "grab_session.h"
+
+#include <gtest/gtest.h>
+
+#include <csignal>
+
+namespace {
+
+using kxtest::GrabSession;
+using kxtest::Process;
+
+std::string pacedBus()
+{
+    kxtest::TestSensor sensor;
+    sensor.paced = true;
+    return kxtest::busWith(sensor);
+}
+
+class Termination : public testing::TestWithParam<int> {};
+
+TEST_P(Termination, FinishesAndWritesEveryAcceptedFrame)
+{
+    GrabSession session;
+    session.bus = pacedBus();
+    session.set("grab.frames=0");
+    const std::unique_ptr<Process> process = session.start();
+    ASSERT_TRUE(session.waitForFrames(*process, 10)) << process->standardError();
+    process->signal(GetParam());
+    EXPECT_EQ(process->wait(), 0) << process->standardError();
+    kxtest::expectBalance(session);
+    const auto summary = session.summary();
+    EXPECT_GE(summary["exported"]["frames"], 10);
+    EXPECT_EQ(summary["exported"]["written"], summary["exported"]["frames"]);
+    EXPECT_EQ(summary["lost"]["export"], 0);
+}
+
+INSTANTIATE_TEST_SUITE_P(SessionSignals, Termination, testing::Values(SIGINT, SIGTERM),
+                         [](const auto& each) {
+                             return std::string(each.param == SIGINT ? "Interrupt" : "Terminate");
+                         });
+
+TEST(SessionSignals, FinishesAlsoWhileItWaitsForACamera)
+{
+    GrabSession session;
+    session.bus = "";
+    const std::unique_ptr<Process> process = session.start();
+    ASSERT_EQ(process->wait(std::chrono::milliseconds(300)), -1) << process->standardError();
+    process->signal(SIGINT);
+    const int code = process->wait(std::chrono::seconds(3));
+    EXPECT_TRUE(code == 0 || code == 4) << code;
+}
+
+TEST(SessionSignals, ASecondInterruptEndsAtOnce)
+{
+    GrabSession session;
+    // The camera delivers nothing more, so that the first signal is not seen until the time-out.
+    session.bus = kxtest::busWithFault("kind = \"stall\"\nframe = 4\n", true);
+    session.set("grab.frames=0");
+    const std::unique_ptr<Process> process = session.start();
+    ASSERT_TRUE(session.waitForFrames(*process, 3)) << process->standardError();
+    process->signal(SIGINT);
+    EXPECT_EQ(process->wait(std::chrono::milliseconds(100)), -1);
+    process->signal(SIGINT);
+    EXPECT_EQ(process->wait(std::chrono::seconds(2)), 128 + SIGINT);
+    // What is on disk is whole nevertheless.
+    for (const std::string& name : session.pictures()) {
+        EXPECT_TRUE(name.ends_with(".png") || name.ends_with(".part")) << name;
+    }
+}
+
+} // namespace
