@@ -1,7 +1,7 @@
 #!/bin/sh
 # Counts the plug-in's own instructions per frame with callgrind: the whole loop less the bare loop.
 #
-#     bench/plugin_instructions [BUILD_FOLDER]      (default: build/release)
+#     bench/plugin_instructions.sh [BUILD_FOLDER]      (default: build/release)
 set -eu
 build=${1:-build/release}
 few=200
@@ -11,7 +11,7 @@ output=$(mktemp)
 trap 'rm -f "$output"' EXIT
 
 instructions() { # KIND FRAMES
-    valgrind --tool=callgrind --callgrind-out-file=/dev/null "$build/bench/plugin_loop" "$1" "$2" \
+    valgrind --tool=callgrind --callgrind-out-file=/dev/null "$build/bench/tools/plugin_loop" "$1" "$2" \
         >/dev/null 2>"$output" || { cat "$output" >&2; exit 1; }
     awk '/Collected/ { print $4 }' "$output"
 }
