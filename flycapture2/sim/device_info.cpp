@@ -1,6 +1,9 @@
 // The identity of a camera, as the SDK reports it.
 #include "device_info.h"
 
+#include <algorithm>
+#include <iterator>
+
 namespace fcsim {
 
 using FlyCapture2::CameraInfo;
@@ -44,19 +47,29 @@ FlyCapture2::BusSpeed speedOf(FlyCapture2::InterfaceType interface)
     }
 }
 
+/// An address of these octets; like all of the SDK's records it takes no list of values.
+template <typename Address, typename... Octets>
+Address makeAddress(Octets... octets)
+{
+    const unsigned char values[] = {static_cast<unsigned char>(octets)...};
+    Address address;
+    static_assert(sizeof values == sizeof address.octets);
+    std::copy(std::begin(values), std::end(values), address.octets);
+    return address;
+}
+
 void setNetwork(CameraInfo& info, unsigned index)
 {
     info.gigEMajorVersion = 1;
     info.gigEMinorVersion = 2;
     const auto host = static_cast<unsigned char>(index + 1);
-    info.ipAddress = {{169, 254, 0, host}};
-    info.subnetMask = {{255, 255, 0, 0}};
+    info.ipAddress = makeAddress<FlyCapture2::IPAddress>(169, 254, 0, host);
+    info.subnetMask = makeAddress<FlyCapture2::IPAddress>(255, 255, 0, 0);
     const unsigned serial = info.serialNumber;
     // Locally administered: no maker's address.
-    info.macAddress = {{0x02, 0x00, static_cast<unsigned char>(serial >> 24U),
-                        static_cast<unsigned char>(serial >> 16U & 0xFFU),
-                        static_cast<unsigned char>(serial >> 8U & 0xFFU),
-                        static_cast<unsigned char>(serial & 0xFFU)}};
+    info.macAddress = makeAddress<FlyCapture2::MACAddress>(0x02, 0x00, serial >> 24U & 0xFFU,
+                                                           serial >> 16U & 0xFFU,
+                                                           serial >> 8U & 0xFFU, serial & 0xFFU);
 }
 
 } // namespace
@@ -102,7 +115,7 @@ FlyCapture2::GigEStreamChannel makeStreamChannel(const CameraDescription& descri
     channel.doNotFragment = description.stream.doNotFragment;
     channel.packetSize = description.stream.packetSize;
     channel.interPacketDelay = description.stream.packetDelay;
-    channel.destinationIpAddress = {{169, 254, 255, 1}};
+    channel.destinationIpAddress = makeAddress<FlyCapture2::IPAddress>(169, 254, 255, 1);
     return channel;
 }
 
