@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <ostream>
+
 namespace {
 
 using kxtest::busWith;
@@ -26,6 +28,11 @@ struct FormatCase {
     const char* codec;       ///< that must be published
     TestSensor sensor;
 };
+
+void PrintTo(const FormatCase& each, std::ostream* out)
+{
+    *out << each.name;
+}
 
 const std::vector<FormatCase>& formatCases()
 {

@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <ostream>
+
 namespace {
 
 using kxtest::Finished;
@@ -68,6 +70,11 @@ struct BrokenCase {
     const char* toml;
     std::vector<std::string> parts; ///< that the message must hold
 };
+
+void PrintTo(const BrokenCase& each, std::ostream* out)
+{
+    *out << each.name;
+}
 
 class BrokenConfiguration : public testing::TestWithParam<BrokenCase> {};
 
