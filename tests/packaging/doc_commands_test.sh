@@ -1,0 +1,57 @@
+#!/usr/bin/env bash
+# Runs what the documents tell readers to run: doc_commands_test.sh SOURCE_DIR BUILD_DIR.
+#
+# Blocks that begin with ```sh run are executed; in all documents, each verb of ./dev and each option
+# of kxhost must be one that the program's help knows.
+set -euo pipefail
+
+source=$1
+build=$2
+scratch=$(mktemp -d)
+trap 'rm -rf "$scratch"' EXIT
+documents=("$source"/README.md "$source"/docs/*.md)
+
+fail() {
+    printf 'FAILED: %s\n' "$*" >&2
+    exit 1
+}
+
+# The commands see a tree like the one that readers have, but what they write lands in the scratch.
+ln -s "$source/examples" "$source/docs" "$source/dev" "$scratch"
+export PATH="$build:$PATH"
+
+run_blocks() {
+    local document=$1
+    awk '/^```sh run$/ { inside = 1; next } /^```/ { inside = 0 } inside' "$document" \
+        >"$scratch/commands"
+    [ -s "$scratch/commands" ] || return 0
+    (cd "$scratch" && bash -e -u -x commands) || fail "commands of $document"
+    blocks=$((blocks + 1))
+}
+
+# Reads words, and wants each of them in the text of the help.
+check_words() {
+    local help=$1 word
+    while read -r word; do
+        grep -q -E -e "(^|[^a-z-])$word([^a-z-]|$)" <<<"$help" || fail "'$word' is not in the help"
+    done
+}
+
+blocks=0
+for document in "${documents[@]}"; do
+    run_blocks "$document"
+done
+[ "$blocks" -gt 0 ] || fail "no document has a block marked to be run"
+
+grep -hoE '\./dev [a-z]+' "${documents[@]}" | sed 's/.* //' | sort -u |
+    check_words "$("$source/dev" help)"
+sed -n 's/^.*kxhost //p' "${documents[@]}" | grep -oE -e '--[a-z-]+' | sort -u |
+    check_words "$(for verb in grab list check version; do kxhost "$verb" --help; done)"
+
+# Each key that kxhost knows is in the reference.
+kxhost check | sed -n -E 's/^(# )?([a-z_0-9]+)( =|:).*/\2/p' | sort -u >"$scratch/keys"
+[ -s "$scratch/keys" ] || fail "kxhost check prints no keys"
+while read -r key; do
+    grep -q -F -e "| \`$key\` |" "$source/docs/configuration.md" ||
+        fail "docs/configuration.md does not have $key"
+done <"$scratch/keys"
