@@ -1,15 +1,14 @@
 // The host services: the plain functions that the process which loads the plug-in exports.
 //
-// All of them have unmangled names and are resolved when the plug-in is loaded; a host that lacks one
-// cannot load it. Unless a function says otherwise it is called from the grab thread only, that is,
-// the thread that called `KxLibProc`. Strings and tables stay owned by the host. A function may throw
-// only what its caller is prepared for: inside the grab loop, exceptions derived from std::exception
-// end the grab.
+// All of them have unmangled names and are resolved when the plug-in is loaded; a host that lacks
+// one cannot load it. Unless a function says otherwise it is called from the grab thread only, that
+// is, the thread that called `KxLibProc`. Strings and tables stay owned by the host. A function may
+// throw only what its caller is prepared for: inside the grab loop, exceptions derived from
+// std::exception end the grab.
 #ifndef KX_HOST_H
 #define KX_HOST_H
 
 #include <stdint.h> // NOLINT(modernize-deprecated-headers): C hosts include this file
-
 #include <sys/time.h>
 
 #ifdef __cplusplus
@@ -19,7 +18,8 @@ extern "C" {
 // ---- Configuration getters. The value 0xFFFFFFFF (-1) means "keep what the camera has" unless a
 // ---- getter names another sentinel. They are read anew at every configuration pass.
 
-/// Camera model to use, compared as a prefix of the camera's model name; null = no model configured.
+/// Camera model to use, compared as a prefix of the camera's model name; null = no model
+/// configured.
 const char* KxGiMainCtx__GetModelStr(void);
 /// Serial number as text in decimal, 0x hexadecimal or 0 octal; null or empty = any.
 const char* KxGiMainCtx__GetIdStr(void);
@@ -88,8 +88,8 @@ int32_t KxGiMainCtx__GetIoboxPar(int set, int which);
 
 // ---- Host control.
 
-/// Reads the host's configuration anew. `restart` receives non-zero when the new configuration needs
-/// a new start of the grab. Returns 0 = in force, other = refused and the old one stays.
+/// Reads the host's configuration anew. `restart` receives non-zero when the new configuration
+/// needs a new start of the grab. Returns 0 = in force, other = refused and the old one stays.
 int KxGi__DoReconfig(int* restart);
 /// Non-zero: the host holds a changed configuration that can be applied without stopping capture.
 int KxGi__CheckDynConfig(void);
@@ -98,8 +98,8 @@ void KxGi__SetNewCfgVendor(void);
 void KxGi__SetNewCfgPlugin(void);
 /// Reports what has been done about a signal: the signal's code.
 void KxGi__SetSignalAction(int action);
-/// From the first call on, termination signals are kept for `KxUtl__CheckSignal`; from the second on
-/// they end the process again.
+/// From the first call on, termination signals are kept for `KxUtl__CheckSignal`; from the second
+/// on they end the process again.
 void KxGi__ResetTermSigProc(void);
 void KxGi__SetTermSigProc(void);
 /// The frame period in force, in microseconds.
@@ -111,8 +111,8 @@ void KxGi__HaltUpdate(int width, float temperatureC);
 /// The predicted start of the next frame's exposure on the host's clock, so that other grabbers can
 /// be triggered in step; all three in microseconds.
 void KxGi__CommTriggerAll(uint64_t timestampUs, uint32_t offsetUs, int32_t exposureUs);
-/// Adds up the distribution of a frame's pixel values into `cdf` (2^bitsPerPixel entries). `pitch` is
-/// the line's length in pixels.
+/// Adds up the distribution of a frame's pixel values into `cdf` (2^bitsPerPixel entries). `pitch`
+/// is the line's length in pixels.
 void KxGi__CalcLutDynam(const void* pixels, uint32_t width, uint32_t height, uint32_t pitch,
                         uint32_t bitsPerPixel, uint32_t* cdf);
 /// Computes a look-up table of 2^outputBits entries from a distribution.
@@ -132,8 +132,8 @@ int KxGiMem__IsFactoryUsed(void);
 void KxGiMemInst__Init(int instance, uint32_t count, int zero);
 void KxGiMemInst__SetActFsize(int instance, uint32_t bytes);
 /// Hands a finished frame over. The pixels are valid during the call; a host that wants them longer
-/// copies them. `store` is the session's store flag. Returns 0 = accepted, other = refused (the frame
-/// is then not exported).
+/// copies them. `store` is the session's store flag. Returns 0 = accepted, other = refused (the
+/// frame is then not exported).
 int KxGiMemInst__Trigger(int instance, int zero, uint64_t timestampUs, void* frame, int store);
 
 // ---- Export of the scenario parameters (kx_scenario.h).
@@ -149,8 +149,8 @@ void KxSc__ProcExport(uint64_t timestampUs);
 
 /// Pending signal: 0 none, 1 and 5 finish, 2 reconfigure, 3 look-up table, 4 12-bit look-up table.
 int KxUtl__CheckSignal(void);
-/// Difference of two times; the result belongs to the host and lives until the calling thread's next
-/// call. May be called from two threads at once.
+/// Difference of two times; the result belongs to the host and lives until the calling thread's
+/// next call. May be called from two threads at once.
 struct timeval* KxUtl__TimeValDiff(const struct timeval* later, const struct timeval* earlier);
 /// The grab's state; 4 = capturing.
 void KxUtl__UpdateGrabState(int state);
