@@ -1,5 +1,6 @@
-/** @file Cameras on IEEE 1394 and USB buses. */
-#pragma once
+// Cameras on IEEE 1394 and USB buses.
+#ifndef KX_FLYCAPTURE2_CAMERA_H
+#define KX_FLYCAPTURE2_CAMERA_H
 
 #include "CameraBase.h"
 #include "Error.h"
@@ -7,13 +8,13 @@
 
 namespace FlyCapture2 {
 
-/** A camera on an IEEE 1394 or USB bus; its threads and errors are those of CameraBase. */
+/// A camera on an IEEE 1394 or USB bus; its threads and errors are those of CameraBase.
 class FC2_API Camera : public CameraBase {
 public:
     Camera();
     Camera(const Camera&) = delete;
     Camera& operator=(const Camera&) = delete;
-    /** Disconnects. */
+    /// Disconnects.
     ~Camera() override;
 
     // As CameraBase describes them, in its order, which is the order of the virtual table.
@@ -78,36 +79,37 @@ public:
 
     // Fixed video modes
 
-    /** Says whether the camera has this mode at this rate. */
+    /// Says whether the camera has this mode at this rate.
     virtual Error GetVideoModeAndFrameRateInfo(VideoMode videoMode, FrameRate frameRate,
                                                bool* supported);
-    /** Reads mode and rate. */
+    /// Reads mode and rate.
     virtual Error GetVideoModeAndFrameRate(VideoMode* videoMode, FrameRate* frameRate);
-    /** Sets mode and rate. Before capture only. */
+    /// Sets mode and rate. Before capture only.
     virtual Error SetVideoModeAndFrameRate(VideoMode videoMode, FrameRate frameRate);
 
     // Regions of interest (Format 7)
 
-    /** Reads what the mode `info->mode` allows, and whether the camera has it. */
+    /// Reads what the mode `info->mode` allows, and whether the camera has it.
     virtual Error GetFormat7Info(Format7Info* info, bool* supported);
-    /** Says whether the camera takes these settings, and which packet sizes then suit. */
+    /// Says whether the camera takes these settings, and which packet sizes then suit.
     virtual Error ValidateFormat7Settings(const Format7ImageSettings* settings, bool* valid,
                                           Format7PacketInfo* packetInfo);
-    /** Reads the settings in force. PGRERROR_NOT_IN_FORMAT7 in a fixed mode. */
+    /// Reads the settings in force. PGRERROR_NOT_IN_FORMAT7 in a fixed mode.
     virtual Error GetFormat7Configuration(Format7ImageSettings* settings, unsigned int* packetSize,
                                           float* percentage);
-    /** Sets region and pixel format with a packet size in bytes. Before capture only. */
+    /// Sets region and pixel format with a packet size in bytes. Before capture only.
     virtual Error SetFormat7Configuration(const Format7ImageSettings* settings,
                                           unsigned int packetSize);
-    /** Sets region and pixel format with a speed in percent of the greatest. Before capture only.
-     */
+    /// Sets region and pixel format with a speed in percent of the greatest. Before capture only.
     virtual Error SetFormat7Configuration(const Format7ImageSettings* settings, float percentSpeed);
 
-    /** Starts capture on several cameras at the same time; the arrays have `count` elements. */
+    /// Starts capture on several cameras at the same time; the arrays have `count` elements.
     static Error StartSyncCapture(unsigned int count, const Camera** cameras,
                                   const ImageEventCallback* callbacks, const void** userData);
-    /** Name of a register for people; never null. */
+    /// Name of a register for people; never null.
     static const char* GetRegisterString(unsigned int address);
 };
 
 } // namespace FlyCapture2
+
+#endif

@@ -1,5 +1,6 @@
-/** @file The values and records of the camera library's interface, without its classes. */
-#pragma once
+// The values and records of the camera library's interface, without its classes.
+#ifndef KX_FLYCAPTURE2_DEFS_H
+#define KX_FLYCAPTURE2_DEFS_H
 
 #include "FlyCapture2Enums.h"
 #include "FlyCapture2Platform.h"
@@ -9,3 +10,5 @@
 #include "RecordsGigE.h"
 #include "RecordsImage.h"
 #include "RecordsStatus.h"
+
+#endif

@@ -1,9 +1,10 @@
-/** @file The enumerations of the camera library's interface; the names are the interface's own. */
-#pragma once
+// The enumerations of the camera library's interface; the names are the interface's own.
+#ifndef KX_FLYCAPTURE2_ENUMS_H
+#define KX_FLYCAPTURE2_ENUMS_H
 
 namespace FlyCapture2 {
 
-/** Kinds of outcome that an Error has. The last member keeps it at 32 bits. */
+/// Kinds of outcome that an Error has. The last member keeps it at 32 bits.
 enum ErrorType {
     PGRERROR_UNDEFINED = -1,      ///< Nothing known.
     PGRERROR_OK = 0,              ///< The call succeeded.
@@ -52,7 +53,7 @@ enum ErrorType {
     PGRERROR_FORCE_32BITS = 0x7FFFFFFF,
 };
 
-/** What happens to images that nobody fetched in time. The last member keeps it at 32 bits. */
+/// What happens to images that nobody fetched in time. The last member keeps it at 32 bits.
 enum GrabMode {
     DROP_FRAMES = 0,           ///< Keep the newest, drop the others.
     BUFFER_FRAMES = 1,         ///< Keep all, deliver the oldest first.
@@ -60,8 +61,8 @@ enum GrabMode {
     GRAB_MODE_FORCE_32BITS = 0x7FFFFFFF,
 };
 
-/** Special values of FC2Config::grabTimeout, which else counts milliseconds. The last member keeps
- * it at 32 bits. */
+/// Special values of FC2Config::grabTimeout, which else counts milliseconds. The last member keeps
+/// it at 32 bits.
 enum GrabTimeout {
     TIMEOUT_NONE = 0,         ///< Do not wait.
     TIMEOUT_INFINITE = -1,    ///< Wait for ever.
@@ -69,8 +70,8 @@ enum GrabTimeout {
     GRAB_TIMEOUT_FORCE_32BITS = 0x7FFFFFFF,
 };
 
-/** Whether a 1394 camera reserves its share of the bus before it sends. The last member keeps it at
- * 32 bits. */
+/// Whether a 1394 camera reserves its share of the bus before it sends. The last member keeps it at
+/// 32 bits.
 enum BandwidthAllocation {
     BANDWIDTH_ALLOCATION_OFF = 0,
     BANDWIDTH_ALLOCATION_ON = 1,
@@ -79,7 +80,7 @@ enum BandwidthAllocation {
     BANDWIDTH_ALLOCATION_FORCE_32BITS = 0x7FFFFFFF,
 };
 
-/** Kinds of bus. The last member keeps it at 32 bits. */
+/// Kinds of bus. The last member keeps it at 32 bits.
 enum InterfaceType {
     INTERFACE_IEEE1394 = 0,
     INTERFACE_USB2 = 1,
@@ -89,8 +90,8 @@ enum InterfaceType {
     INTERFACE_TYPE_FORCE_32BITS = 0x7FFFFFFF,
 };
 
-/** What of a camera can be adjusted through GetProperty and SetProperty. The last member keeps it
- * at 32 bits. */
+/// What of a camera can be adjusted through GetProperty and SetProperty. The last member keeps it
+/// at 32 bits.
 enum PropertyType {
     BRIGHTNESS = 0,    ///< Black level, percent.
     AUTO_EXPOSURE = 1, ///< Aim of the automatic exposure, EV.
@@ -114,8 +115,8 @@ enum PropertyType {
     PROPERTY_TYPE_FORCE_32BITS = 0x7FFFFFFF,
 };
 
-/** Sensor modes; a camera has a few of them, mode 0 reads all pixels. The last member keeps it at
- * 32 bits. */
+/// Sensor modes; a camera has a few of them, mode 0 reads all pixels. The last member keeps it at
+/// 32 bits.
 enum Mode {
     MODE_0 = 0,
     MODE_1 = 1,
@@ -153,7 +154,7 @@ enum Mode {
     MODE_FORCE_32BITS = 0x7FFFFFFF,
 };
 
-/** Pixel formats: one bit each as registers have them, plus formats that only Convert makes. */
+/// Pixel formats: one bit each as registers have them, plus formats that only Convert makes.
 enum PixelFormat : unsigned int {
     PIXEL_FORMAT_MONO8 = 0x80000000U,    ///< 8 bits of grey.
     PIXEL_FORMAT_411YUV8 = 0x40000000U,  ///< 6 bytes for 4 pixels: U Y Y V Y Y.
@@ -179,7 +180,7 @@ enum PixelFormat : unsigned int {
     UNSPECIFIED_PIXEL_FORMAT = 0x00000000U,  ///< None chosen.
 };
 
-/** Speeds of a bus: 1394 and USB in Mbit/s, then Ethernet. The last member keeps it at 32 bits. */
+/// Speeds of a bus: 1394 and USB in Mbit/s, then Ethernet. The last member keeps it at 32 bits.
 enum BusSpeed {
     BUSSPEED_S100 = 0,
     BUSSPEED_S200 = 1,
@@ -199,8 +200,8 @@ enum BusSpeed {
     BUSSPEED_FORCE_32BITS = 0x7FFFFFFF,
 };
 
-/** Speeds of the link that a host adapter sits on, in Gbit/s of a lane. The last member keeps it at
- * 32 bits. */
+/// Speeds of the link that a host adapter sits on, in Gbit/s of a lane. The last member keeps it at
+/// 32 bits.
 enum PCIeBusSpeed {
     PCIE_BUSSPEED_2_5 = 0,
     PCIE_BUSSPEED_5_0 = 1,
@@ -208,7 +209,7 @@ enum PCIeBusSpeed {
     PCIE_BUSSPEED_FORCE_32BITS = 0x7FFFFFFF,
 };
 
-/** Kernel drivers that a camera may be served by. The last member keeps it at 32 bits. */
+/// Kernel drivers that a camera may be served by. The last member keeps it at 32 bits.
 enum DriverType {
     DRIVER_1394_CAM = 0,
     DRIVER_1394_PRO = 1,
@@ -226,8 +227,8 @@ enum DriverType {
     DRIVER_FORCE_32BITS = 0x7FFFFFFF,
 };
 
-/** How Image::Convert makes colour of tiles, from fast to thorough. The last member keeps it at 32
- * bits. */
+/// How Image::Convert makes colour of tiles, from fast to thorough. The last member keeps it at 32
+/// bits.
 enum ColorProcessingAlgorithm {
     DEFAULT = 0,             ///< The library's choice.
     NO_COLOR_PROCESSING = 1, ///< Leave the tiles.
@@ -240,8 +241,8 @@ enum ColorProcessingAlgorithm {
     COLOR_PROCESSING_ALGORITHM_FORCE_32BITS = 0x7FFFFFFF,
 };
 
-/** Colours of the upper left four pixels of a sensor with a tile filter. The last member keeps it
- * at 32 bits. */
+/// Colours of the upper left four pixels of a sensor with a tile filter. The last member keeps it
+/// at 32 bits.
 enum BayerTileFormat {
     NONE = 0, ///< No tiles: grey or colour already.
     RGGB = 1,
@@ -251,7 +252,7 @@ enum BayerTileFormat {
     BT_FORCE_32BITS = 0x7FFFFFFF,
 };
 
-/** Bus events that a callback can be registered for. The last member keeps it at 32 bits. */
+/// Bus events that a callback can be registered for. The last member keeps it at 32 bits.
 enum BusCallbackType {
     BUS_RESET = 0, ///< The bus was reset.
     ARRIVAL = 1,   ///< A camera came.
@@ -259,7 +260,7 @@ enum BusCallbackType {
     CALLBACK_TYPE_FORCE_32BITS = 0x7FFFFFFF,
 };
 
-/** Rates of the fixed video modes, in images a second. The last member keeps it at 32 bits. */
+/// Rates of the fixed video modes, in images a second. The last member keeps it at 32 bits.
 enum FrameRate {
     FRAMERATE_1_875 = 0,
     FRAMERATE_3_75 = 1,
@@ -274,8 +275,8 @@ enum FrameRate {
     FRAMERATE_FORCE_32BITS = 0x7FFFFFFF,
 };
 
-/** Fixed video modes of IEEE 1394 cameras: width, height and coding. The last member keeps it at 32
- * bits. */
+/// Fixed video modes of IEEE 1394 cameras: width, height and coding. The last member keeps it at 32
+/// bits.
 enum VideoMode {
     VIDEOMODE_160x120YUV444 = 0,
     VIDEOMODE_320x240YUV422 = 1,
@@ -305,7 +306,7 @@ enum VideoMode {
     VIDEOMODE_FORCE_32BITS = 0x7FFFFFFF,
 };
 
-/** File formats that Image::Save writes. The last member keeps it at 32 bits. */
+/// File formats that Image::Save writes. The last member keeps it at 32 bits.
 enum ImageFileFormat {
     FROM_FILE_EXT = -1, ///< By the name's ending.
     PGM = 0,
@@ -319,7 +320,7 @@ enum ImageFileFormat {
     IMAGE_FILE_FORMAT_FORCE_32BITS = 0x7FFFFFFF,
 };
 
-/** Settings of the network protocol. */
+/// Settings of the network protocol.
 enum GigEPropertyType {
     HEARTBEAT = 0,         ///< Whether the camera watches for a living host.
     HEARTBEAT_TIMEOUT = 1, ///< Silence in ms after which it gives the host up.
@@ -328,3 +329,5 @@ enum GigEPropertyType {
 };
 
 } // namespace FlyCapture2
+
+#endif

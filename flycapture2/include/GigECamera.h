@@ -1,5 +1,6 @@
-/** @file Cameras on a network. */
-#pragma once
+// Cameras on a network.
+#ifndef KX_FLYCAPTURE2_GIG_ECAMERA_H
+#define KX_FLYCAPTURE2_GIG_ECAMERA_H
 
 #include "CameraBase.h"
 #include "Error.h"
@@ -7,13 +8,13 @@
 
 namespace FlyCapture2 {
 
-/** A camera on a network; its threads and errors are those of CameraBase. */
+/// A camera on a network; its threads and errors are those of CameraBase.
 class FC2_API GigECamera : public CameraBase {
 public:
     GigECamera();
     GigECamera(const GigECamera&) = delete;
     GigECamera& operator=(const GigECamera&) = delete;
-    /** Disconnects. */
+    /// Disconnects.
     ~GigECamera() override;
 
     // As CameraBase describes them, in its order, which is the order of the virtual table.
@@ -78,69 +79,71 @@ public:
 
     // Registers of the control protocol (GVCP)
 
-    /** Writes one register. */
+    /// Writes one register.
     virtual Error WriteGVCPRegister(unsigned int address, unsigned int value,
                                     bool broadcast = false);
-    /** Reads one register. */
+    /// Reads one register.
     virtual Error ReadGVCPRegister(unsigned int address, unsigned int* value);
-    /** Writes `length` registers of 4 bytes. */
+    /// Writes `length` registers of 4 bytes.
     virtual Error WriteGVCPRegisterBlock(unsigned int address, const unsigned int* buffer,
                                          unsigned int length);
-    /** Reads `length` registers of 4 bytes. */
+    /// Reads `length` registers of 4 bytes.
     virtual Error ReadGVCPRegisterBlock(unsigned int address, unsigned int* buffer,
                                         unsigned int length);
-    /** Writes `length` bytes of the camera's memory. */
+    /// Writes `length` bytes of the camera's memory.
     virtual Error WriteGVCPMemory(unsigned int address, const unsigned char* buffer,
                                   unsigned int length);
-    /** Reads `length` bytes of the camera's memory. */
+    /// Reads `length` bytes of the camera's memory.
     virtual Error ReadGVCPMemory(unsigned int address, unsigned char* buffer, unsigned int length);
 
     // Network settings
 
-    /** Reads the setting `property->propType`. */
+    /// Reads the setting `property->propType`.
     virtual Error GetGigEProperty(GigEProperty* property);
-    /** Sets one setting. */
+    /// Sets one setting.
     virtual Error SetGigEProperty(const GigEProperty* property);
-    /** Finds the greatest packet in bytes that gets through to this host; takes a while. */
+    /// Finds the greatest packet in bytes that gets through to this host; takes a while.
     virtual Error DiscoverGigEPacketSize(unsigned int* packetSize);
 
     // Image format
 
-    /** Says whether the camera has this mode. */
+    /// Says whether the camera has this mode.
     virtual Error QueryGigEImagingMode(Mode mode, bool* supported);
-    /** Reads the mode. */
+    /// Reads the mode.
     virtual Error GetGigEImagingMode(Mode* mode);
-    /** Sets the mode. Before capture only. */
+    /// Sets the mode. Before capture only.
     virtual Error SetGigEImagingMode(Mode mode);
-    /** Reads what region and pixel format may be in the mode in force. */
+    /// Reads what region and pixel format may be in the mode in force.
     virtual Error GetGigEImageSettingsInfo(GigEImageSettingsInfo* info);
-    /** Reads region and pixel format. */
+    /// Reads region and pixel format.
     virtual Error GetGigEImageSettings(GigEImageSettings* settings);
-    /** Sets region and pixel format. Before capture only. */
+    /// Sets region and pixel format. Before capture only.
     virtual Error SetGigEImageSettings(const GigEImageSettings* settings);
-    /** Reads how many pixels are summed in each direction. */
+    /// Reads how many pixels are summed in each direction.
     virtual Error GetGigEImageBinningSettings(unsigned int* horizontal, unsigned int* vertical);
-    /** Sets how many pixels are summed in each direction. Before capture only. */
+    /// Sets how many pixels are summed in each direction. Before capture only.
     virtual Error SetGigEImageBinningSettings(unsigned int horizontal, unsigned int vertical);
 
     // Stream channels
 
-    /** Counts the channels the camera can send on. */
+    /// Counts the channels the camera can send on.
     virtual Error GetNumStreamChannels(unsigned int* count);
-    /** Reads a channel, from 0. */
+    /// Reads a channel, from 0.
     virtual Error GetGigEStreamChannelInfo(unsigned int channel, GigEStreamChannel* info);
-    /** Sets a channel, from 0. Before capture only. */
+    /// Sets a channel, from 0. Before capture only.
     virtual Error SetGigEStreamChannelInfo(unsigned int channel, GigEStreamChannel* info);
-    /** Reads how the library repairs losses. */
+    /// Reads how the library repairs losses.
     virtual Error GetGigEConfig(GigEConfig* config);
-    /** Sets how the library repairs losses. Before capture only. */
+    /// Sets how the library repairs losses. Before capture only.
     virtual Error SetGigEConfig(const GigEConfig* config);
 
-    /** Starts capture on several cameras at the same time; the arrays have `count` elements. */
+    /// Starts capture on several cameras at the same time; the arrays have `count` elements.
     static Error StartSyncCapture(unsigned int count, const GigECamera** cameras,
                                   const ImageEventCallback* callbacks, const void** userData);
-    /** Name of a register for people; never null. */
+    /// Name of a register for people; never null.
     static const char* GetRegisterString(unsigned int address);
 };
 
 } // namespace FlyCapture2
+
+#endif

@@ -1,42 +1,42 @@
-/** @file Records that say which cameras are on the buses and where. */
-#pragma once
+// Records that say which cameras are on the buses and where.
+#ifndef KX_FLYCAPTURE2_RECORDS_BUS_H
+#define KX_FLYCAPTURE2_RECORDS_BUS_H
 
 #include "FlyCapture2Enums.h"
 
 namespace FlyCapture2 {
 
-/** Length in bytes of every string in a record, the terminating zero included. */
+/// Length in bytes of every string in a record, the terminating zero included.
 constexpr unsigned int sk_maxStringLength = 512;
 
-/** Called by the library's own thread when a bus changes: user data, serial number of the camera.
- */
+/// Called by the library's own thread when a bus changes: user data, serial number of the camera.
 using BusEventCallback = void (*)(void*, unsigned int);
 
-/** Names one registered bus callback; owned by the library until it is unregistered. */
+/// Names one registered bus callback; owned by the library until it is unregistered.
 using CallbackHandle = void*;
 
-/** Names one camera on one bus for as long as it stays plugged in; opaque. */
+/// Names one camera on one bus for as long as it stays plugged in; opaque.
 struct PGRGuid {
     PGRGuid() = default;
 
     unsigned int value[4] = {}; ///< Compared as a whole; the words mean nothing by themselves.
 };
 
-/** An IPv4 address. */
+/// An IPv4 address.
 struct IPAddress {
     IPAddress() = default;
 
     unsigned char octets[4] = {}; ///< In the order they are written: 192, 168, 0, 1.
 };
 
-/** A hardware address of a network interface. */
+/// A hardware address of a network interface.
 struct MACAddress {
     MACAddress() = default;
 
     unsigned char octets[6] = {}; ///< In the order they are written.
 };
 
-/** What the configuration ROM of an IEEE 1394 style camera says about its maker. */
+/// What the configuration ROM of an IEEE 1394 style camera says about its maker.
 struct ConfigROM {
     ConfigROM() = default;
 
@@ -54,7 +54,7 @@ struct ConfigROM {
     unsigned int reserved[16] = {};
 };
 
-/** Who a camera is and how it is attached. Strings are zero-terminated. */
+/// Who a camera is and how it is attached. Strings are zero-terminated.
 struct CameraInfo {
     CameraInfo() = default;
 
@@ -92,3 +92,5 @@ struct CameraInfo {
 };
 
 } // namespace FlyCapture2
+
+#endif

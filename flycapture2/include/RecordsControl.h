@@ -1,5 +1,6 @@
-/** @file Records that configure a camera: capture, properties, trigger, strobe, table, events. */
-#pragma once
+// Records that configure a camera: capture, properties, trigger, strobe, table, events.
+#ifndef KX_FLYCAPTURE2_RECORDS_CONTROL_H
+#define KX_FLYCAPTURE2_RECORDS_CONTROL_H
 
 #include "FlyCapture2Enums.h"
 #include "RecordsBus.h"
@@ -8,10 +9,10 @@
 
 namespace FlyCapture2 {
 
-/** Called by the library's own thread for a camera event; the argument is an EventCallbackData. */
+/// Called by the library's own thread for a camera event; the argument is an EventCallbackData.
 using CameraEventCallback = void (*)(void*);
 
-/** How the library receives images and talks to the camera. */
+/// How the library receives images and talks to the camera.
 struct FC2Config {
     FC2Config() = default;
 
@@ -30,10 +31,10 @@ struct FC2Config {
     unsigned int reserved[16] = {};
 };
 
-/** What a camera's property can do. Set `type` before asking. */
+/// What a camera's property can do. Set `type` before asking.
 struct PropertyInfo {
     PropertyInfo() = default;
-    /** Asks about `propertyType`. */
+    /// Asks about `propertyType`.
     explicit PropertyInfo(PropertyType propertyType) : type(propertyType) {}
 
     PropertyType type = UNSPECIFIED_PROPERTY_TYPE; ///< Which property.
@@ -53,10 +54,10 @@ struct PropertyInfo {
     unsigned int reserved[8] = {};
 };
 
-/** State of a camera's property. Set `type` before asking. */
+/// State of a camera's property. Set `type` before asking.
 struct Property {
     Property() = default;
-    /** Speaks of `propertyType`. */
+    /// Speaks of `propertyType`.
     explicit Property(PropertyType propertyType) : type(propertyType) {}
 
     PropertyType type = UNSPECIFIED_PROPERTY_TYPE; ///< Which property.
@@ -71,13 +72,13 @@ struct Property {
     unsigned int reserved[8] = {};
 };
 
-/** The delay between a trigger and its exposure is a property like the others. */
+/// The delay between a trigger and its exposure is a property like the others.
 using TriggerDelay = Property;
 
-/** What the trigger delay can do. */
+/// What the trigger delay can do.
 using TriggerDelayInfo = PropertyInfo;
 
-/** What a camera's trigger can do. */
+/// What a camera's trigger can do.
 struct TriggerModeInfo {
     TriggerModeInfo() = default;
 
@@ -92,7 +93,7 @@ struct TriggerModeInfo {
     unsigned int reserved[8] = {};
 };
 
-/** State of a camera's trigger. */
+/// State of a camera's trigger.
 struct TriggerMode {
     TriggerMode() = default;
 
@@ -104,7 +105,7 @@ struct TriggerMode {
     unsigned int reserved[8] = {};
 };
 
-/** What one strobe output can do. Set `source` before asking. */
+/// What one strobe output can do. Set `source` before asking.
 struct StrobeInfo {
     StrobeInfo() = default;
 
@@ -118,7 +119,7 @@ struct StrobeInfo {
     unsigned int reserved[8] = {};
 };
 
-/** State of one strobe output. Set `source` before asking. */
+/// State of one strobe output. Set `source` before asking.
 struct StrobeControl {
     StrobeControl() = default;
 
@@ -130,7 +131,7 @@ struct StrobeControl {
     unsigned int reserved[8] = {};
 };
 
-/** Shape of a camera's look-up table. */
+/// Shape of a camera's look-up table.
 struct LUTData {
     LUTData() = default;
 
@@ -144,7 +145,7 @@ struct LUTData {
     unsigned int reserved[8] = {};
 };
 
-/** Whether one piece of information is written into each image. */
+/// Whether one piece of information is written into each image.
 struct EmbeddedImageInfoProperty {
     EmbeddedImageInfoProperty() = default;
 
@@ -152,7 +153,7 @@ struct EmbeddedImageInfoProperty {
     bool onOff = false;     ///< Whether it does.
 };
 
-/** What a camera writes over the first pixels of each image; ImageMetadata is what it wrote. */
+/// What a camera writes over the first pixels of each image; ImageMetadata is what it wrote.
 struct EmbeddedImageInfo {
     EmbeddedImageInfo() = default;
 
@@ -168,7 +169,7 @@ struct EmbeddedImageInfo {
     EmbeddedImageInfoProperty ROIPosition;   ///< Corner of the region of interest.
 };
 
-/** One camera event to listen for. The strings and data stay with the caller, who keeps them. */
+/// One camera event to listen for. The strings and data stay with the caller, who keeps them.
 struct EventOptions {
     EventOptions() = default;
 
@@ -178,7 +179,7 @@ struct EventOptions {
     std::size_t EventUserDataSize = 0;              ///< Bytes behind `EventUserData`.
 };
 
-/** What an event callback is given; valid during the call only. */
+/// What an event callback is given; valid during the call only.
 struct EventCallbackData {
     EventCallbackData() = default;
 
@@ -192,3 +193,5 @@ struct EventCallbackData {
 };
 
 } // namespace FlyCapture2
+
+#endif

@@ -1,11 +1,12 @@
-/** @file Records of the partial-image format (Format 7): region, pixel format, packets. */
-#pragma once
+// Records of the partial-image format (Format 7): region, pixel format, packets.
+#ifndef KX_FLYCAPTURE2_RECORDS_FORMAT_H
+#define KX_FLYCAPTURE2_RECORDS_FORMAT_H
 
 #include "FlyCapture2Enums.h"
 
 namespace FlyCapture2 {
 
-/** A region of interest with its pixel format. */
+/// A region of interest with its pixel format.
 struct Format7ImageSettings {
     Format7ImageSettings() = default;
 
@@ -18,7 +19,7 @@ struct Format7ImageSettings {
     unsigned int reserved[8] = {};
 };
 
-/** What one mode allows. Set `mode` before asking. */
+/// What one mode allows. Set `mode` before asking.
 struct Format7Info {
     Format7Info() = default;
 
@@ -38,7 +39,7 @@ struct Format7Info {
     unsigned int reserved[16] = {};
 };
 
-/** Packet sizes that suit a validated region. */
+/// Packet sizes that suit a validated region.
 struct Format7PacketInfo {
     Format7PacketInfo() = default;
 
@@ -49,3 +50,5 @@ struct Format7PacketInfo {
 };
 
 } // namespace FlyCapture2
+
+#endif

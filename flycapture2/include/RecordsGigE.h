@@ -1,12 +1,13 @@
-/** @file Records that only cameras on a network have. */
-#pragma once
+// Records that only cameras on a network have.
+#ifndef KX_FLYCAPTURE2_RECORDS_GIG_E_H
+#define KX_FLYCAPTURE2_RECORDS_GIG_E_H
 
 #include "FlyCapture2Enums.h"
 #include "RecordsBus.h"
 
 namespace FlyCapture2 {
 
-/** One setting of the network protocol. Set `propType` before asking. */
+/// One setting of the network protocol. Set `propType` before asking.
 struct GigEProperty {
     GigEProperty() = default;
 
@@ -18,7 +19,7 @@ struct GigEProperty {
     unsigned int value = 0;                ///< Value: ms, bytes or ticks, as the setting has it.
 };
 
-/** Where and how a camera sends its images. */
+/// Where and how a camera sends its images.
 struct GigEStreamChannel {
     GigEStreamChannel() = default;
 
@@ -31,7 +32,7 @@ struct GigEStreamChannel {
     unsigned int sourcePort = 0;            ///< Port of the camera that sends.
 };
 
-/** How the library repairs what a network loses. */
+/// How the library repairs what a network loses.
 struct GigEConfig {
     GigEConfig() = default;
 
@@ -40,7 +41,7 @@ struct GigEConfig {
     unsigned int registerTimeout = 20000;    ///< Limit of one register access in us.
 };
 
-/** What the region of interest of a network camera allows. */
+/// What the region of interest of a network camera allows.
 struct GigEImageSettingsInfo {
     GigEImageSettingsInfo() = default;
 
@@ -55,7 +56,7 @@ struct GigEImageSettingsInfo {
     unsigned int reserved[16] = {};
 };
 
-/** Region of interest and pixel format of a network camera. */
+/// Region of interest and pixel format of a network camera.
 struct GigEImageSettings {
     GigEImageSettings() = default;
 
@@ -68,3 +69,5 @@ struct GigEImageSettings {
 };
 
 } // namespace FlyCapture2
+
+#endif

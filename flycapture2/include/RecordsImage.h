@@ -1,5 +1,6 @@
-/** @file Records that travel with an image, and the types its functions only point to. */
-#pragma once
+// Records that travel with an image, and the types its functions only point to.
+#ifndef KX_FLYCAPTURE2_RECORDS_IMAGE_H
+#define KX_FLYCAPTURE2_RECORDS_IMAGE_H
 
 namespace FlyCapture2 {
 
@@ -13,10 +14,10 @@ struct PNGOption;
 struct PPMOption;
 struct TIFFOption;
 
-/** Called by the library's own thread with each image, valid during the call, and the user data. */
+/// Called by the library's own thread with each image, valid during the call, and the user data.
 using ImageEventCallback = void (*)(Image*, const void*);
 
-/** When an image was taken, on the host's clock and on the camera's. */
+/// When an image was taken, on the host's clock and on the camera's.
 struct TimeStamp {
     TimeStamp() = default;
 
@@ -28,7 +29,7 @@ struct TimeStamp {
     unsigned int reserved[8] = {};
 };
 
-/** What the camera wrote over the first pixels of an image; 0 where its embedding is off. */
+/// What the camera wrote over the first pixels of an image; 0 where its embedding is off.
 struct ImageMetadata {
     ImageMetadata() = default;
 
@@ -46,3 +47,5 @@ struct ImageMetadata {
 };
 
 } // namespace FlyCapture2
+
+#endif

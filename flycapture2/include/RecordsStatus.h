@@ -1,11 +1,12 @@
-/** @file Record of a camera's counters and health. */
-#pragma once
+// Record of a camera's counters and health.
+#ifndef KX_FLYCAPTURE2_RECORDS_STATUS_H
+#define KX_FLYCAPTURE2_RECORDS_STATUS_H
 
 #include "RecordsImage.h"
 
 namespace FlyCapture2 {
 
-/** Counters since the last reset, and what the camera measures of itself. */
+/// Counters since the last reset, and what the camera measures of itself.
 struct CameraStats {
     CameraStats() = default;
 
@@ -31,3 +32,5 @@ struct CameraStats {
 };
 
 } // namespace FlyCapture2
+
+#endif
