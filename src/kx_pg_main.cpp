@@ -168,7 +168,7 @@ int KxLibProc()
     lookForReconfiguration();
     // An identity that begins with the C library's mark for no name says that the log was opened
     // late.
-    _t_SetLogMode(gKxLogIdLib, nullptr);
+    _t_SetLogMode(gKxLogIdLib, "(null)");
     KX_LOG_I("Loop completed (exitCode = %i)\n", result);
     return result;
 }
