@@ -95,7 +95,8 @@ const char* chooseBayerCodec(CExCam* cam)
 }
 
 /// What the camera can deliver of `format`: itself, 8-bit mono in its place, or nothing (null).
-const HostFormat* fitToCamera(const HostFormat* format, unsigned int supported)
+/// `code` becomes that of 8-bit mono as soon as it has to stand in, even if it is not there either.
+const HostFormat* fitToCamera(const HostFormat* format, unsigned int supported, unsigned char& code)
 {
     const auto offers = [supported](const HostFormat* candidate) {
         return (supported & static_cast<unsigned int>(candidate->pixelFormat)) != 0;
@@ -108,6 +109,7 @@ const HostFormat* fitToCamera(const HostFormat* format, unsigned int supported)
         KX_LOG_W_AS(kCaller, "The pixel format '%s' is not supported, forced to '%s'\n",
                     format->name, mono->name);
         format = mono;
+        code = mono->code;
         if (offers(mono)) {
             return mono;
         }
@@ -139,13 +141,9 @@ int CCamProc::ProcSetPixelFormat(unsigned int supported,
     }
     const char* const bayerCodec = format->code == kBayer8 ? chooseBayerCodec(cam) : nullptr;
     if (settings != nullptr) {
-        const unsigned char asked = format->code;
-        format = fitToCamera(format, supported);
+        format = fitToCamera(format, supported, *cfgFormatCode);
         if (format == nullptr) {
             return kNotSupported;
-        }
-        if (format->code != asked) {
-            *cfgFormatCode = format->code;
         }
     }
     const char* const codec = bayerCodec != nullptr ? bayerCodec : format->codec;
