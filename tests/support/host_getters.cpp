@@ -1,0 +1,105 @@
+// The recording host's configuration getters.
+#include "journal.h"
+#include "kx_host.h"
+#include "recording_host.h"
+
+using kxtest::host;
+using kxtest::HostConfig;
+
+namespace {
+
+template <typename T>
+T answer(const char* name, T HostConfig::*field)
+{
+    kxtest::journal().add({kxtest::Kind::getter, name, "", 0});
+    return host().config.*field;
+}
+
+const char* answer(const char* name, std::optional<std::string> HostConfig::*field)
+{
+    kxtest::journal().add({kxtest::Kind::getter, name, "", 0});
+    const std::optional<std::string>& text = host().config.*field;
+    return text ? text->c_str() : nullptr;
+}
+
+} // namespace
+
+#define KX_GETTER(TYPE, NAME, FIELD)                                                               \
+    TYPE NAME(void)                                                                                \
+    {                                                                                              \
+        return answer(#NAME, &HostConfig::FIELD);                                                  \
+    }
+
+extern "C" {
+
+KX_GETTER(const char*, KxGiMainCtx__GetModelStr, model)
+KX_GETTER(const char*, KxGiMainCtx__GetIdStr, id)
+KX_GETTER(uint32_t, KxGiMainCtx__GetActiveCamMask, activeCamMask)
+KX_GETTER(uint32_t, KxGiMainCtx__GetDatachunk, datachunk)
+KX_GETTER(uint32_t, KxGiMainCtx__GetBnum, bnum)
+KX_GETTER(uint32_t, KxGiMainCtx__GetFnum, fnum)
+KX_GETTER(uint32_t, KxGiMainCtx__GetWidth, width)
+KX_GETTER(uint32_t, KxGiMainCtx__GetHeight, height)
+KX_GETTER(uint32_t, KxGiMainCtx__GetOffsetX, offsetX)
+KX_GETTER(uint32_t, KxGiMainCtx__GetOffsetY, offsetY)
+KX_GETTER(uint8_t, KxGiMainCtx__GetFormat, format)
+KX_GETTER(uint8_t, KxGiMainCtx__GetCformat, cformat)
+KX_GETTER(float, KxGiMainCtx__GetFps, fps)
+KX_GETTER(float, KxGiMainCtx__GetGainMan, gainMan)
+KX_GETTER(float, KxGiMainCtx__GetExptMan, exptMan)
+KX_GETTER(float, KxGiMainCtx__GetGamma, gamma)
+KX_GETTER(int32_t, KxGiMainCtx__GetSatur, satur)
+KX_GETTER(int32_t, KxGiMainCtx__GetWbred, wbred)
+KX_GETTER(int32_t, KxGiMainCtx__GetWbblu, wbblu)
+KX_GETTER(int32_t, KxGiMainCtx__GetRotate, rotate)
+KX_GETTER(float, KxGiMainCtx__GetAtbright, atbright)
+KX_GETTER(float, KxGiMainCtx__GetGainlimsLow, gainlimsLow)
+KX_GETTER(float, KxGiMainCtx__GetGainlimsHigh, gainlimsHigh)
+KX_GETTER(float, KxGiMainCtx__GetEtlimsLow, etlimsLow)
+KX_GETTER(float, KxGiMainCtx__GetEtlimsHigh, etlimsHigh)
+KX_GETTER(int32_t, KxGiMainCtx__GetSweepProf, sweepProf)
+KX_GETTER(int32_t, KxGiMainCtx__GetSweepGainMod, sweepGainMod)
+KX_GETTER(int32_t, KxGiMainCtx__GetSweepEtimeMod, sweepEtimeMod)
+KX_GETTER(int32_t, KxGiMainCtx__GetSweepLutMod, sweepLutMod)
+KX_GETTER(int32_t, KxGiMainCtx__GetTsadjns, tsadjns)
+
+// Nothing is configured behind these.
+uint16_t KxGiMainCtx__GetLutBitSize(void)
+{
+    return 0;
+}
+const uint16_t* KxGiMainCtx__GetLutDataU16(void)
+{
+    return nullptr;
+}
+uint32_t KxGiMainCtx__GetIoboxNum(void)
+{
+    return 0;
+}
+int32_t KxGiMainCtx__GetIoboxPin(int)
+{
+    return -1;
+}
+int32_t KxGiMainCtx__GetIoboxMod(int)
+{
+    return -1;
+}
+int32_t KxGiMainCtx__GetIoboxInv(int)
+{
+    return -1;
+}
+int32_t KxGiMainCtx__GetIoboxSrc(int)
+{
+    return -1;
+}
+int32_t KxGiMainCtx__GetIoboxPar(int, int)
+{
+    return -1;
+}
+
+void KxGiMainCtx__SetFormat(int code)
+{
+    kxtest::journal().add({kxtest::Kind::host, "KxGiMainCtx__SetFormat", std::to_string(code), 0});
+    host().config.format = static_cast<std::uint8_t>(code);
+}
+}
