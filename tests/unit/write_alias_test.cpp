@@ -10,8 +10,8 @@ namespace {
 
 class WriteAlias : public testing::Test {
 protected:
-    WriteAlias() { fcsim::aliasWrites(seen_.data() + 8, writable_.data(), 16); }
-    ~WriteAlias() override { fcsim::aliasWrites(nullptr, nullptr, 0); }
+    void SetUp() override { fcsim::aliasWrites(seen_.data() + 8, writable_.data(), 16); }
+    void TearDown() override { fcsim::aliasWrites(nullptr, nullptr, 0); }
 
     std::array<std::uint8_t, 32> seen_{};
     std::array<std::uint8_t, 16> writable_{};
