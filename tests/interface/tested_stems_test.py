@@ -1,4 +1,4 @@
-"""Every source has a test of its stem, or an entry that says which test covers it instead.
+"""Every source has a unit test of its stem, or an entry that says which test covers it instead.
 
 Usage: tested_stems_test.py PROJECT_ROOT ENTRIES
 
@@ -27,7 +27,7 @@ class TestedStems(unittest.TestCase):
     def setUp(self):
         self.sources = [path for folder in ("src", "host", "flycapture2/sim")
                         for path in relative(f"{folder}/*.cpp")]
-        self.tested = {stem(path).removesuffix("_test") for path in relative("tests/**/*_test.cpp")}
+        self.tested = {stem(path).removesuffix("_test") for path in relative("tests/unit/*_test.cpp")}
         self.entries = {}
         with open(ENTRIES, encoding="utf-8") as file:
             for line in file:
