@@ -4,6 +4,7 @@
 #include "picture_bayer.h"
 #include "picture_yuv.h"
 
+#include <algorithm>
 #include <cstring>
 
 namespace kxhost {
@@ -57,7 +58,7 @@ void decodeLines(const Codec& codec, const std::uint8_t* pixels, LineDecoder lin
 void copyGrey8(const std::uint8_t* pixels, Picture& out)
 {
     shape(out, 1, 8, 8);
-    std::memcpy(out.bytes.data(), pixels, out.bytes.size());
+    std::copy_n(pixels, out.bytes.size(), out.bytes.begin());
 }
 
 } // namespace
