@@ -24,6 +24,13 @@ class PropertySetAbsTest : public PropertiesWriteTest,
 
 TEST_P(PropertySetAbsTest, WritesWhatIsInRangeElseTheCurrentValue)
 {
+    // The camera runs in every mode that has to go.
+    cam_->onGetProperty = [](FlyCapture2::Property& property) {
+        property.absControl = false;
+        property.onOff = false;
+        property.onePush = true;
+        property.autoManualMode = true;
+    };
     EXPECT_EQ(cam_->ExPropertySetAbs(GAIN, GetParam().asked), 0);
     ASSERT_THAT(cam_->written, SizeIs(1));
     const FlyCapture2::Property& written = cam_->written[0];

@@ -14,6 +14,8 @@ namespace kxtest {
 namespace {
 
 constexpr unsigned kClockRegister = 0x1EA8;
+/// No test retrieves more: a grab that does not end is ended.
+constexpr unsigned kMostRetrievals = 50'000;
 
 /// The time stamp that images show instead of their own.
 std::optional<FlyCapture2::TimeStamp> scriptedTimeStamp;
@@ -58,7 +60,9 @@ void ScriptedCamera::connect(unsigned serial)
 
 Error ScriptedCamera::RetrieveBuffer(FlyCapture2::Image* image)
 {
-    ++retrievals_;
+    if (++retrievals_ > kMostRetrievals) {
+        throw std::runtime_error("the grab does not end");
+    }
     if (onRetrieve) {
         onRetrieve(retrievals_);
     }
@@ -106,6 +110,9 @@ Error ScriptedCamera::GetProperty(FlyCapture2::Property* property)
     const auto scripted = absValues.find(property->type);
     if (scripted != absValues.end()) {
         property->absValue = scripted->second;
+    }
+    if (onGetProperty) {
+        onGetProperty(*property);
     }
     return error;
 }

@@ -51,6 +51,8 @@ public:
     std::optional<FlyCapture2::TimeStamp> timeStamp;
     /// Absolute values of properties.
     std::map<FlyCapture2::PropertyType, float> absValues;
+    /// Called with each property that was read: changes it on its way.
+    std::function<void(FlyCapture2::Property&)> onGetProperty;
 
     // ---- What the camera was told.
 
