@@ -76,6 +76,12 @@ class PropertySetRelTest : public PropertiesWriteTest,
 
 TEST_P(PropertySetRelTest, ChecksEachValueByItself)
 {
+    cam_->onGetProperty = [](FlyCapture2::Property& property) {
+        property.absControl = true;
+        property.onOff = false;
+        property.onePush = true;
+        property.autoManualMode = true;
+    };
     EXPECT_EQ(
         cam_->ExPropertySetRel(FlyCapture2::WHITE_BALANCE, GetParam().askedA, GetParam().askedB),
         0);
