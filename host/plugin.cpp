@@ -48,6 +48,18 @@ std::string chooseLibrary(const PluginChoice& choice)
                     "cameras with --simulate.");
 }
 
+/// Without this check a grab would wait for cameras that nobody can describe. The simulation has
+/// said by itself what is wrong.
+void checkBus(void* simulation, const PluginChoice& choice)
+{
+    const auto isUsable = reinterpret_cast<int (*)()>(dlsym(simulation, "fcsimBusUsable"));
+    if (isUsable != nullptr && isUsable() == 0) {
+        throw LoadError(kExitConfiguration,
+                        "The simulated bus cannot be used" +
+                            (choice.bus.empty() ? "." : ": see to " + choice.bus + "."));
+    }
+}
+
 /// Loads the camera library so that the plug-in finds it by its name; returns what it is called.
 std::string loadLibrary(const PluginChoice& choice)
 {
@@ -61,6 +73,9 @@ std::string loadLibrary(const PluginChoice& choice)
     }
     if (dlopen(kLibraryName, RTLD_NOW | RTLD_NOLOAD) != library) {
         failLibrary(choice, path, std::string("it does not carry the name ") + kLibraryName);
+    }
+    if (choice.simulate) {
+        checkBus(library, choice);
     }
     return path;
 }

@@ -59,3 +59,8 @@ std::vector<FrameTruth> takeTruth(unsigned serial)
 }
 
 } // namespace fcsim
+
+int fcsimBusUsable()
+{
+    return fcsim::Bus::instance().problem().empty() ? 1 : 0;
+}

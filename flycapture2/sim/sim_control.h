@@ -95,4 +95,8 @@ FCSIM_API void aliasWrites(const void* seen, void* writable, std::size_t bytes);
 
 } // namespace fcsim
 
+/// For programs that load the simulation at run time: 0 when the bus description that the
+/// environment names cannot be used (what is wrong with it is then on standard error), else 1.
+extern "C" FCSIM_API int fcsimBusUsable();
+
 #endif

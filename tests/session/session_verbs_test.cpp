@@ -100,6 +100,17 @@ INSTANTIATE_TEST_SUITE_P(
         BrokenCase{"NoToml", "[format\n", {"c.toml:1"}}),
     [](const auto& each) { return std::string(each.param.name); });
 
+TEST(SessionVerbs, ABusThatCannotBeReadEndsTheGrab)
+{
+    const TemporaryFolder folder;
+    kxtest::writeText(folder.file("bus.toml"), "[[camera]]\nserail = 5\n");
+    for (const std::string& bus : {folder.file("bus.toml"), folder.file("missing.toml")}) {
+        const Finished finished = run({kxhostPath(), "grab", "--simulate=" + bus});
+        EXPECT_EQ(finished.code, 3);
+        EXPECT_TRUE(holds(finished.err, bus)) << finished.err;
+    }
+}
+
 TEST(SessionVerbs, AMissingConfigurationIsNamed)
 {
     const Finished finished = run({kxhostPath(), "check", "-c", "/nowhere/c.toml"});
