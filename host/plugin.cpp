@@ -27,7 +27,7 @@ std::string chooseLibrary(const PluginChoice& choice)
     if (!choice.simulate) {
         return choice.cameraLibrary.empty() ? kLibraryName : choice.cameraLibrary;
     }
-    const std::string path = findSimulation();
+    std::string path = findSimulation();
     if (path.empty()) {
         throw LoadError(kExitNoLibrary, "The simulated cameras are not installed beside kxhost; "
                                         "--camera-library names their library.");
@@ -63,7 +63,7 @@ void checkBus(void* simulation, const PluginChoice& choice)
 /// Loads the camera library so that the plug-in finds it by its name; returns what it is called.
 std::string loadLibrary(const PluginChoice& choice)
 {
-    const std::string path = chooseLibrary(choice);
+    std::string path = chooseLibrary(choice);
     if (!choice.bus.empty()) {
         setenv(kBusVariable, std::filesystem::absolute(choice.bus).c_str(), 1);
     }

@@ -51,6 +51,19 @@ TEST(SessionSignals, FinishesAlsoWhileItWaitsForACamera)
     EXPECT_TRUE(code == 0 || code == 4) << code;
 }
 
+TEST(SessionSignals, FinishesAlsoWhenEveryRetrievalFails)
+{
+    GrabSession session;
+    // The grab loop looks at signals behind a frame only, and no frame comes any more.
+    session.bus = kxtest::busWithFault("kind = \"error\"\nframe = 4\ncount = 100000\n", true);
+    session.set("grab.frames=0");
+    const std::unique_ptr<Process> process = session.start();
+    ASSERT_TRUE(session.waitForFrames(*process, 3)) << process->standardError();
+    process->signal(SIGTERM);
+    EXPECT_EQ(process->wait(std::chrono::seconds(3)), 0) << process->standardError();
+    EXPECT_EQ(session.summary()["exported"]["written"], 3);
+}
+
 TEST(SessionSignals, ASecondInterruptEndsAtOnce)
 {
     GrabSession session;
