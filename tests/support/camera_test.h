@@ -15,13 +15,15 @@ namespace kxtest {
 /// One camera, connected, with a session object and a factory of its own. The camera runs at
 /// `kFps` frames per second with an exposure of `kExposureUs`, and its calls take no time.
 class CameraTest : public PluginTest {
+public:
+    ~CameraTest() override;
+
 protected:
     static constexpr float kFps = 30;
     static constexpr unsigned kPeriodUs = 33'333;
     static constexpr int kExposureUs = 10'000;
 
     CameraTest();
-    ~CameraTest() override;
 
     /// Puts `camera` on the bus (in place of what was there), connects it and forgets the journal.
     void connect(const CameraText& camera = {});

@@ -23,9 +23,11 @@ inline constexpr std::uint64_t kStartUs = 1'700'000'000'000'000;
 
 /// A test of the plug-in: hand-driven clock, everything recorded, all levels to the system log.
 class PluginTest : public testing::Test {
+public:
+    ~PluginTest() override;
+
 protected:
     PluginTest();
-    ~PluginTest() override;
 
     /// Puts these cameras on the bus.
     static void plugIn(const std::vector<CameraText>& cameras);

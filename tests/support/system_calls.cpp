@@ -8,13 +8,13 @@
 #include <atomic>
 #include <cstdarg>
 #include <cstdio>
+#include <ctime>
 #include <string>
 #include <utility>
 
 #include <sched.h>
 #include <sys/time.h>
 #include <syslog.h>
-#include <time.h>
 #include <unistd.h>
 
 using kxtest::Kind;
@@ -26,7 +26,7 @@ namespace {
 std::atomic<unsigned> cpuQueries{0};
 std::function<void()> syslogHook;
 
-void recordSyslog(int priority, const char* format, va_list arguments)
+[[gnu::format(printf, 2, 0)]] void recordSyslog(int priority, const char* format, va_list arguments)
 {
     if (syslogHook) {
         syslogHook();
@@ -102,7 +102,7 @@ void syslog(int priority, const char* format, ...)
     va_end(arguments);
 }
 
-void __syslog_chk(int priority, int /*flag*/, const char* format, ...)
+[[gnu::format(printf, 3, 4)]] void __syslog_chk(int priority, int /*flag*/, const char* format, ...)
 {
     va_list arguments;
     va_start(arguments, format);
