@@ -19,7 +19,7 @@ constexpr std::uintptr_t kBase = 0x7f0000100000;
 class BufferFactoryTest : public kxtest::PluginTest {
 protected:
     /// Slots at these distances from the base; none behind the last.
-    static void setSlots(std::vector<std::ptrdiff_t> distances)
+    static void setSlots(const std::vector<std::ptrdiff_t>& distances)
     {
         host().bufPtr = [distances](std::uint32_t index) {
             return index < distances.size() ? address(distances[index]) : nullptr;
@@ -28,6 +28,7 @@ protected:
     static void* address(std::ptrdiff_t distance)
     {
         // Never read or written: the factory only compares addresses.
+        // NOLINTNEXTLINE(performance-no-int-to-ptr)
         return reinterpret_cast<void*>(kBase + static_cast<std::uintptr_t>(distance));
     }
 
@@ -43,8 +44,8 @@ TEST_F(BufferFactoryTest, AcceptsEqualStepsAndReportsTheStep)
     EXPECT_EQ(factory_.GetBuffer(&size, 3), address(0));
     EXPECT_EQ(size, 4096U);
     EXPECT_EQ(factory_.base, address(0));
-    const auto slotLine = [](unsigned index) {
-        return debug("GetBuffer", format("AllocBuffer: asked size 4000 - idx=%u buff %p (cpu=%i)",
+    const auto slotLine = [](std::ptrdiff_t index) {
+        return debug("GetBuffer", format("AllocBuffer: asked size 4000 - idx=%td buff %p (cpu=%i)",
                                          index, address(4096 * index), kxtest::kCpu));
     };
     EXPECT_THAT(journal().logs(),

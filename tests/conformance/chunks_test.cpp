@@ -6,9 +6,7 @@
 
 using kxtest::host;
 using kxtest::journal;
-using testing::Contains;
 using testing::ElementsAre;
-using testing::Not;
 
 namespace {
 

@@ -5,13 +5,10 @@
 #include <set>
 
 using kxtest::host;
-using kxtest::info;
 using kxtest::journal;
 using kxtest::warning;
-using testing::Contains;
 using testing::Each;
 using testing::ElementsAre;
-using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::SizeIs;
 

@@ -6,7 +6,6 @@ using kxtest::info;
 using kxtest::journal;
 using kxtest::warning;
 using testing::ElementsAre;
-using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::SizeIs;
 

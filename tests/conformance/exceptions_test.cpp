@@ -8,7 +8,6 @@ using kxtest::info;
 using kxtest::journal;
 using kxtest::warning;
 using testing::Contains;
-using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
 

@@ -8,7 +8,6 @@
 
 using kxtest::format;
 using kxtest::host;
-using kxtest::info;
 using kxtest::journal;
 using kxtest::StdoutCapture;
 using testing::Contains;
@@ -28,7 +27,7 @@ protected:
         static char memory[64];
         unsigned size = 16;
         factory.GetBuffer(nullptr, 1); // warning
-        host().bufPtr = [](std::uint32_t index) { return memory + 16 * index; };
+        host().bufPtr = [](std::uint32_t index) { return memory + std::size_t{16} * index; };
         factory.GetBuffer(&size, 2); // two of debug, information
         host().bufPtr = [](std::uint32_t) { return memory; };
         factory.GetBuffer(&size, 2); // debug, error

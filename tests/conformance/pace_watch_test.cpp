@@ -1,14 +1,12 @@
 // Pace watch: cameras that run ahead of their time stamps or behind them.
 #include "camera_test.h"
 
-using kxtest::format;
 using kxtest::host;
 using kxtest::info;
 using kxtest::journal;
 using kxtest::kStartUs;
 using kxtest::ScriptedFrame;
 using kxtest::warning;
-using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;

@@ -5,7 +5,6 @@
 
 using FlyCapture2::GAIN;
 using FlyCapture2::PropertyType;
-using FlyCapture2::SHUTTER;
 using kxtest::format;
 using kxtest::info;
 using kxtest::journal;

@@ -1,14 +1,11 @@
 // Region of interest: which configured values are accepted, and what is said about each.
 #include "camera_test.h"
 
-using kxtest::format;
 using kxtest::host;
 using kxtest::info;
 using kxtest::journal;
-using kxtest::kKeep;
 using kxtest::warning;
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 namespace {
 

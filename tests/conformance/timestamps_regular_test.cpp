@@ -6,7 +6,6 @@ using kxtest::host;
 using kxtest::info;
 using kxtest::journal;
 using kxtest::kStartUs;
-using kxtest::ScriptedFrame;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
