@@ -49,16 +49,34 @@ void judge(GrabSummary& summary, const std::string& exportError)
     }
 }
 
+/// Writes the summary file if one is wanted; a grab that went well has failed if that fails.
+void saveSummary(const CommandLine& commandLine, GrabSummary& summary)
+{
+    if (commandLine.summaryFile.empty()) {
+        return;
+    }
+    if (const std::string error = writeSummary(summary, commandLine.summaryFile); !error.empty()) {
+        complain(error);
+        summary.exitCode = summary.exitCode == kExitFine ? kExitExport : summary.exitCode;
+    }
+}
+
+/// Ends a grab that never began, of which the user was told. There is nothing to count, but who
+/// reads the summary file learns why.
+int giveUp(const CommandLine& commandLine, int exitCode, const std::string& reason)
+{
+    GrabSummary summary;
+    summary.exitCode = exitCode;
+    summary.reason = reason;
+    summary.folder = services().settings.outputFolder;
+    saveSummary(commandLine, summary);
+    return summary.exitCode;
+}
+
 /// Writes the summary where it is wanted and returns the exit code.
 int report(const CommandLine& commandLine, GrabSummary summary)
 {
-    if (!commandLine.summaryFile.empty()) {
-        const std::string error = writeSummary(summary, commandLine.summaryFile);
-        if (!error.empty()) {
-            complain(error);
-            summary.exitCode = summary.exitCode == kExitFine ? kExitExport : summary.exitCode;
-        }
-    }
+    saveSummary(commandLine, summary);
     if (!commandLine.quiet) {
         std::fputs(summaryText(summary).c_str(), stdout);
     }
@@ -74,7 +92,7 @@ int grab(const CommandLine& commandLine, const Plugin& plugin)
     ExportQueue queue(exportSettings(host.settings));
     if (const std::string error = queue.start(); !error.empty()) {
         complain(error);
-        return kExitExport;
+        return giveUp(commandLine, kExitExport, error);
     }
     host.queue = &queue;
     GrabResult result;
@@ -95,7 +113,7 @@ int commandGrab(const CommandLine& commandLine)
 {
     Configuration configuration;
     if (!configure(commandLine, configuration)) {
-        return kExitConfiguration;
+        return giveUp(commandLine, kExitConfiguration, "The configuration was refused.");
     }
     const Settings& settings = services().settings = configuration.settings;
     blockTerminationSignals();
@@ -108,7 +126,7 @@ int commandGrab(const CommandLine& commandLine)
         return grab(commandLine, plugin);
     } catch (const LoadError& error) {
         complain(error.what());
-        return error.exitCode();
+        return giveUp(commandLine, error.exitCode(), error.what());
     }
 }
 

@@ -68,6 +68,7 @@ TEST(SessionExit, ConfigurationWhenAKeyIsWrong)
     EXPECT_EQ(finished.code, kConfiguration);
     EXPECT_NE(finished.err.find("frame_rate"), std::string::npos) << finished.err;
     EXPECT_FALSE(std::filesystem::exists(session.output()));
+    EXPECT_EQ(session.summary()["exit_code"], kConfiguration);
 }
 
 TEST(SessionExit, NoCameraWhenTheBusStaysEmpty)
@@ -133,6 +134,7 @@ TEST(SessionExit, ExportWhenTheFolderCannotBeMade)
     const Finished finished = session.run();
     EXPECT_EQ(finished.code, kExport);
     expectOneSentence(finished.err, "Cannot create the folder");
+    EXPECT_EQ(session.summary()["exit_code"], kExport);
 }
 
 TEST(SessionExit, ExportWhenFramesOfAnEarlierGrabAreThere)
@@ -179,6 +181,7 @@ TEST(SessionExit, PluginWhenItIsMissing)
     const Finished finished = session.run();
     EXPECT_EQ(finished.code, kPlugin);
     expectOneSentence(finished.err, "no.so");
+    EXPECT_EQ(session.summary()["exit_code"], kPlugin);
 }
 
 TEST(SessionExit, LibraryWhenItIsMissing)
