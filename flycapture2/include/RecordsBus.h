@@ -43,7 +43,7 @@ struct ConfigROM {
     unsigned int nodeVendorId = 0;            ///< Vendor of the node.
     unsigned int chipIdHi = 0;                ///< Upper part of the chip's id.
     unsigned int chipIdLo = 0;                ///< Lower part of the chip's id.
-    unsigned int unitSpecId = 0;              ///< Who wrote the unit's specification.
+    unsigned int unitSpecId = 0;              ///< Who defined the unit's interface.
     unsigned int unitSWVer = 0;               ///< Software version of the unit.
     unsigned int unitSubSWVer = 0;            ///< Software sub-version of the unit.
     unsigned int vendorUniqueInfo_0 = 0;      ///< Free for the vendor.
