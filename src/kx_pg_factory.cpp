@@ -5,6 +5,7 @@
 #include "kx_log.h"
 
 #include <cstdint>
+#include <limits>
 
 #include <sched.h>
 
@@ -36,6 +37,8 @@ Flat walkSlots(unsigned int askedSize, unsigned int count)
         const std::uintptr_t step = address - previous;
         if (index == 1) {
             flat.step = step;
+            // The distance is handed on in 32 bits.
+            flat.found = step <= std::numeric_limits<unsigned int>::max();
         }
         if (index > 0) {
             flat.found = flat.found && address > previous && step >= askedSize && step == flat.step;

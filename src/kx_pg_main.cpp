@@ -92,8 +92,9 @@ int runSession(Chosen& chosen, const Wanted& wanted)
 {
     CExCam& camera = *chosen.camera;
     if (!_t_PowerOnCam(camera)) {
+        const unsigned long long nowUs = timeOfDayUs();
         KX_LOG_W_AS(kCaller, "TSus_%llu - powering up the camera is not ok (Model:%s ID:%s)...\n",
-                    timeOfDayUs(), wanted.model, wanted.serial);
+                    nowUs, wanted.model, wanted.serial);
         static_cast<void>(camera.Disconnect());
         return kNoPower;
     }

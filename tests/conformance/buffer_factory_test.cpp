@@ -126,14 +126,13 @@ TEST_P(BadPoolTest, IsRefused)
                                                      "Allocated buffer flat is incorrect !"));
 }
 
-INSTANTIATE_TEST_SUITE_P(BufferFactory, BadPoolTest,
-                         testing::Values(BadPool{"UnequalStep", {0, 4096, 8200}},
-                                         BadPool{"SmallerStep", {0, 8192, 12288}},
-                                         BadPool{"TooClose", {0, 3999}},
-                                         BadPool{"Falling", {0, -4096}},
-                                         BadPool{"TurningBack", {0, 4096, 0}},
-                                         BadPool{"SameAddress", {0, 0}}),
-                         [](const auto& one) { return std::string(one.param.name); });
+INSTANTIATE_TEST_SUITE_P(
+    BufferFactory, BadPoolTest,
+    testing::Values(BadPool{"UnequalStep", {0, 4096, 8200}},
+                    BadPool{"SmallerStep", {0, 8192, 12288}}, BadPool{"TooClose", {0, 3999}},
+                    BadPool{"Falling", {0, -4096}}, BadPool{"TurningBack", {0, 4096, 0}},
+                    BadPool{"SameAddress", {0, 0}}, BadPool{"TooFarApart", {0, 0x100001000}}),
+    [](const auto& one) { return std::string(one.param.name); });
 
 TEST_F(BufferFactoryTest, StartsEmpty)
 {
