@@ -119,14 +119,22 @@ void blockTerminationSignals()
 
 GrabResult describePass(int code, bool asked)
 {
+    constexpr const char* kAskedWhileWaiting =
+        "Finished as asked by a signal, before a camera came.";
     switch (code) {
     case kPassFine:
         return {kExitFine, asked ? "Finished as asked by a signal." : "Finished.", 0};
     case kPassReconfigurationRefused:
         return {kExitConfiguration, "The new configuration was refused.", 0};
     case kPassNoCamera:
+        if (asked) {
+            return {kExitFine, kAskedWhileWaiting, 0};
+        }
         return {kExitNoCamera, "There is no camera on the buses.", 0};
     case kPassNotOurCamera:
+        if (asked) {
+            return {kExitFine, kAskedWhileWaiting, 0};
+        }
         return {kExitNoCamera,
                 "None of the cameras on the buses is the configured one, or it is in use.", 0};
     case kPassSetUpFailed:

@@ -21,6 +21,8 @@ TEST(Pass, CodesOfThePluginBecomeExitCodes)
     EXPECT_EQ(describePass(0, true).exitCode, kExitFine);
     EXPECT_EQ(describePass(2, false).exitCode, kExitNoCamera);
     EXPECT_EQ(describePass(3, false).exitCode, kExitNoCamera);
+    EXPECT_EQ(describePass(2, true).exitCode, kExitFine);
+    EXPECT_EQ(describePass(3, true).exitCode, kExitFine);
     for (const int code : {-1, -2, -5, -10, -99}) {
         EXPECT_EQ(describePass(code, false).exitCode, kExitCamera) << code;
     }
