@@ -90,17 +90,21 @@ LineFile::~LineFile()
     close();
 }
 
-std::string LineFile::open(const std::string& path)
+void LineFile::open(const std::string& path)
 {
     close();
     path_ = path;
     length_ = 0;
-    fd_ = openForWriting(path);
-    return fd_ < 0 ? cannot("write", path, errno) : "";
 }
 
 std::string LineFile::append(std::string_view line)
 {
+    if (fd_ < 0) {
+        fd_ = openForWriting(path_);
+    }
+    if (fd_ < 0) {
+        return cannot("write", path_, errno);
+    }
     const int code = writeAll(fd_, line.data(), line.size());
     if (code == 0) {
         length_ += line.size();

@@ -27,9 +27,10 @@ public:
     LineFile(const LineFile&) = delete;
     LineFile& operator=(const LineFile&) = delete;
 
-    /// Creates the file, or empties it. Returns an empty text or the reason.
-    std::string open(const std::string& path);
-    bool isOpen() const { return fd_ >= 0; }
+    /// Names the file. The first line creates it, or empties what is there: a grab without frames
+    /// leaves the metadata of an earlier one alone.
+    void open(const std::string& path);
+    bool isOpen() const { return !path_.empty(); }
     /// Appends `line` (which brings its newline). A line that does not fit is taken back whole.
     /// REQUIRES: open. Returns an empty text or the reason.
     std::string append(std::string_view line);

@@ -116,10 +116,7 @@ std::string ExportQueue::Impl::start()
                    earlier + "): name another folder, or allow to overwrite them.";
         }
         if (settings_.metadata) {
-            const auto path = std::filesystem::path(settings_.folder) / kMetadataName;
-            if (std::string error = metadata_.open(path.string()); !error.empty()) {
-                return error;
-            }
+            metadata_.open((std::filesystem::path(settings_.folder) / kMetadataName).string());
         }
     }
     for (unsigned i = 0; i < std::max(settings_.writerThreads, 1U); ++i) {

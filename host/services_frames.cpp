@@ -70,7 +70,8 @@ void endHandOver(HostServices& host)
     if (spent > host.counts.longestUs) {
         host.counts.longestUs = spent;
     }
-    if (spent >= host.counts.framePeriodUs) {
+    const std::uint64_t period = host.counts.framePeriodUs; // 0 = the camera tells no rate
+    if (period != 0 && spent >= period) {
         ++host.counts.overBudget;
     }
 }
