@@ -55,9 +55,15 @@ void saveSummary(const CommandLine& commandLine, GrabSummary& summary)
     if (commandLine.summaryFile.empty()) {
         return;
     }
-    if (const std::string error = writeSummary(summary, commandLine.summaryFile); !error.empty()) {
+    const std::string error = writeSummary(summary, commandLine.summaryFile);
+    if (error.empty()) {
+        return;
+    }
+    if (summary.exitCode == kExitFine) {
+        summary.exitCode = kExitExport;
+        summary.reason = error;
+    } else {
         complain(error);
-        summary.exitCode = summary.exitCode == kExitFine ? kExitExport : summary.exitCode;
     }
 }
 
@@ -119,6 +125,8 @@ int commandGrab(const CommandLine& commandLine)
     blockTerminationSignals();
     // A file that may not grow is an error of its write, as on a full disk, and no reason to die.
     std::signal(SIGXFSZ, SIG_IGN);
+    // Nor is a reader of the log that went away.
+    std::signal(SIGPIPE, SIG_IGN);
     try {
         const Plugin plugin(commandLine.plugin);
         plugin.setLogging(static_cast<std::uint32_t>(settings.logLevel),

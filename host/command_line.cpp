@@ -3,6 +3,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include <cstdlib>
 #include <filesystem>
 #include <functional>
 
@@ -18,8 +19,8 @@ Examples:
       Ten frames of a simulated camera, as PNG files with their metadata.
   kxhost list
       The cameras on the buses of this computer.
-  kxhost grab -c camera.toml --set acquisition.exposure="5 ms"
-      A configured grab, with another exposure time, until Ctrl-C.
+  kxhost grab -c camera.toml --set output.format=tiff
+      A configured grab, with another picture format, until Ctrl-C.
   kxhost check -c camera.toml
       What a configuration says, key by key, and its mistakes.
 
@@ -33,6 +34,7 @@ Exit codes:
   3  configuration                       9  the camera library cannot be loaded
   4  no camera in time                  10  the camera library is of another release
   5  the camera failed or was lost          than the plug-in
+130 and 143 stand for a second Ctrl-C or SIGTERM, which does not wait for frames to be written.
 )";
 
 /// Options that are another way to set a configuration key.
@@ -84,6 +86,11 @@ public:
         } catch (const CLI::ParseError& mistake) {
             app_.exit(mistake);
             return {std::nullopt, kExitUsage};
+        }
+        const char* const library = std::getenv("KXHOST_CAMERA_LIBRARY");
+        if (library != nullptr && !result_.plugin.simulate &&
+            result_.plugin.cameraLibrary.empty()) {
+            result_.plugin.cameraLibrary = library;
         }
         result_.overrides.insert(result_.overrides.end(), shorthands_.begin(), shorthands_.end());
         return {result_, 0};
@@ -171,9 +178,9 @@ private:
                 ->type_name("[=BUS.toml]")
                 ->expected(0, 1);
         app->add_option("--camera-library", result_.plugin.cameraLibrary,
-                        "The camera maker's libflycapture.so.2")
+                        "The camera maker's libflycapture.so.2; by default the one that the "
+                        "environment variable KXHOST_CAMERA_LIBRARY names, or the installed one")
             ->type_name("FILE")
-            ->envname("KXHOST_CAMERA_LIBRARY")
             ->excludes(simulate);
         app->add_option("--plugin", result_.plugin.plugin,
                         "The driver plug-in; by default the one installed with kxhost")
