@@ -72,12 +72,16 @@ GrabResult runPasses(const Plugin& plugin)
         const int code = plugin.run();
         ++passes;
         GrabResult result = describePass(code, host.termination.requested());
-        result.passes = passes;
         const std::chrono::duration<double> waited = std::chrono::steady_clock::now() - start;
         const bool isOver = limit >= 0 && waited.count() >= limit;
-        if (result.exitCode != kExitNoCamera || isOver || host.termination.sleep(kLookAgain)) {
-            return result;
+        if (result.exitCode == kExitNoCamera && !isOver) {
+            if (!host.termination.sleep(kLookAgain)) {
+                continue;
+            }
+            result = describePass(code, true);
         }
+        result.passes = passes;
+        return result;
     }
 }
 
