@@ -199,7 +199,7 @@ TEST(Renderer, BrightnessScalesAndSaturates)
     const Bytes halved = frame(half, request);
     const Bytes burnt = frame(full, request);
     for (std::size_t pixel = 0; pixel < reference.size(); ++pixel) {
-        ASSERT_NEAR(halved[pixel], reference[pixel] / 2, 1);
+        ASSERT_NEAR(halved[pixel], reference[pixel] / 2.0, 1);
         if (reference[pixel] >= 3) {
             ASSERT_EQ(burnt[pixel], 0xFF);
         }

@@ -160,7 +160,7 @@ TEST(ScenePictures, RefusalsNameThePathAndTheReason)
 TEST(ScenePictures, CutOffPictureIsRefused)
 {
     const kxtest::TemporaryFolder folder;
-    const Bytes grey(64 * 64, 77);
+    const Bytes grey(std::size_t{64} * 64, 77);
     writePng(folder.file("a.png"), 64, 64, PNG_FORMAT_GRAY, grey.data());
     const std::string whole = kxtest::readText(folder.file("a.png"));
     kxtest::writeText(folder.file("a.png"), whole.substr(0, whole.size() / 2));

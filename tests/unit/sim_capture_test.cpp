@@ -153,7 +153,7 @@ TEST_F(SimCapture, UserBuffersAreFilledInRingOrder)
 {
     connect(kTiming);
     configure(2000, DROP_FRAMES);
-    std::vector<unsigned char> memory(3 * 4096);
+    std::vector<unsigned char> memory(std::size_t{3} * 4096);
     ASSERT_EQ(camera.SetUserBuffers(memory.data(), 4096, 3).GetType(), PGRERROR_OK);
     ASSERT_EQ(camera.StartCapture().GetType(), PGRERROR_OK);
     for (std::size_t k = 0; k < 7; ++k) {
