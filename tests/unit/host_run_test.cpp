@@ -120,10 +120,10 @@ TEST(Installation, PrefersTheBuildTree)
     std::filesystem::create_directories(root / "bin/sub");
     EXPECT_EQ(findPiece((root / "bin").string(), "sub/piece", "piece"), "");
     std::filesystem::create_directories(root / KXHOST_LIBDIR);
-    std::ofstream(root / KXHOST_LIBDIR / "piece");
+    std::ofstream(root / KXHOST_LIBDIR / "piece").close();
     EXPECT_EQ(findPiece((root / "bin").string(), "sub/piece", "piece"),
               std::filesystem::canonical(root / KXHOST_LIBDIR / "piece"));
-    std::ofstream(root / "bin/sub/piece");
+    std::ofstream(root / "bin/sub/piece").close();
     EXPECT_EQ(findPiece((root / "bin").string(), "sub/piece", "piece"),
               std::filesystem::canonical(root / "bin/sub/piece"));
     std::filesystem::remove_all(root);
