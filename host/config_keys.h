@@ -51,10 +51,19 @@ struct LutRule {};
 
 using Rule = std::variant<NumberRule, WordRule, TextRule, SerialRule, SwitchRule, LutRule>;
 
+/// When a changed value takes effect in a running grab.
+enum class Takes {
+    kLive,    ///< at once, when the file has changed
+    kReload,  ///< with a reload (SIGHUP), while the grab goes on
+    kRestart, ///< with a reload, which then starts the grab again
+    kStart,   ///< with the next start of kxhost
+};
+
 /// One configuration key.
 struct Key {
     std::string_view section;
     std::string_view name;
+    Takes takes;
     Rule rule;
     std::string_view absent;  ///< what is in force without the key
     std::string_view meaning; ///< one sentence
