@@ -193,8 +193,8 @@ Error Capture::render(std::uint64_t number, const FrameTiming& timing,
     request.width = region.width;
     request.height = region.height;
     request.number = number;
-    request.shutterUs = static_cast<float>(timing.exposureUs);
-    request.gainDb = timing.gainDb;
+    request.state.shutterUs = static_cast<float>(timing.exposureUs);
+    request.state.gainDb = timing.gainDb;
     try {
         renderer_->render(request, out);
     } catch (const SceneError& error) {

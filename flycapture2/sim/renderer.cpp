@@ -19,6 +19,10 @@ namespace {
 /// Pixels that share bytes or colour in any format: regions are packed in multiples of it.
 constexpr int kPackingStep = 4;
 
+/// Points that the metering looks at.
+constexpr int kMeteringColumns = 64;
+constexpr int kMeteringRows = 48;
+
 /// The sensor's answer to light: level of the scene to level in the frame, in 12-bit steps. All
 /// that a sensor does to brightness belongs into this table.
 using Response = std::array<Level, 4096>;
@@ -101,7 +105,39 @@ public:
         }
     }
 
+    double exposedMean(const FrameRequest& request)
+    {
+        if (settings_.kind == SceneKind::none) {
+            return 0;
+        }
+        if (scene_ == nullptr) {
+            scene_ = makeScene(settings_, sensor_);
+        }
+        scene_->paint(request);
+        const SensorState& state = request.state;
+        const double factor = settings_.brightness * static_cast<double>(state.shutterUs) / 8000 *
+                              std::pow(10.0, static_cast<double>(state.gainDb) / 20);
+        const double black = static_cast<double>(state.brightnessPercent) / 100;
+        double sum = 0;
+        for (int y = 0; y < kMeteringRows; ++y) {
+            for (int x = 0; x < kMeteringColumns; ++x) {
+                sum += std::min(lightAt(request, x, y) * factor + black, 1.0);
+            }
+        }
+        return sum / (kMeteringRows * kMeteringColumns);
+    }
+
 private:
+    /// Light, 0 to 1, at a point of the metering's grid.
+    double lightAt(const FrameRequest& request, int x, int y)
+    {
+        const Rect region = regionOf(request);
+        const RowView light =
+            scene_->canvas().row(region.x + region.width * (2 * x + 1) / (2 * kMeteringColumns),
+                                 region.y + region.height * (2 * y + 1) / (2 * kMeteringRows), 1);
+        return rowInSpace(light, Space::grey, inSpace_).plane[0][0] / 65535.0;
+    }
+
     /// Fills `out` with the last frame packed for this format and region: right outside of the
     /// regions that change.
     void copyStill(const FrameRequest& request, const Rect& region, std::uint8_t* out)
@@ -174,6 +210,11 @@ Renderer& Renderer::operator=(Renderer&&) noexcept = default;
 void Renderer::render(const FrameRequest& request, std::uint8_t* out)
 {
     impl_->render(request, out);
+}
+
+double Renderer::exposedMean(const FrameRequest& request)
+{
+    return impl_->exposedMean(request);
 }
 
 } // namespace fcsim

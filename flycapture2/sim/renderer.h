@@ -3,6 +3,7 @@
 #define FCSIM_RENDERER_H
 
 #include "pixel_format.h"
+#include "sensor_state.h"
 
 #include <FlyCapture2.h>
 
@@ -47,8 +48,7 @@ struct FrameRequest {
     unsigned width = 0;   ///< multiple of the format's pixels per group
     unsigned height = 0;
     std::uint64_t number = 0; ///< counts frames; chooses the chart's state or the picture
-    float shutterUs = 0;      ///< shown on the chart
-    float gainDb = 0;         ///< shown on the chart
+    SensorState state;        ///< what the camera has set
 };
 
 /// A scene that cannot be shown: missing file or folder, no PNG in it, unreadable picture. `what()`
@@ -80,6 +80,11 @@ public:
     /// format or region differ from the frame before. REQUIRES: `canRender(request.format)`, region
     /// inside the sensor.
     void render(const FrameRequest& request, std::uint8_t* out);
+
+    /// What the camera's metering sees: the mean level, 0 to 1, of the frame's region as the sensor
+    /// gives it, before gamma and look-up table. Taken without noise from a fixed grid of points,
+    /// so that it is cheap and the same every time. 0 without a scene. REQUIRES: as `render`.
+    double exposedMean(const FrameRequest& request);
 
 private:
     class Impl;

@@ -62,7 +62,7 @@ std::span<const Rect> ChartScene::paint(const FrameRequest& request)
         panel.restore(canvas_);
     }
     paintNumber(request.number);
-    paintExposure(request.shutterUs, request.gainDb);
+    paintExposure(request.state.shutterUs, request.state.gainDb);
     paintHand(request.number);
     paintTrack(request.number);
     return areas_;

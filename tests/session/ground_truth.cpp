@@ -91,8 +91,8 @@ Bytes truePixels(const TestSensor& sensor, const nlohmann::json& frame, Offset o
     request.width = frame["width"];
     request.height = frame["height"];
     request.number = frame["frame_counter"];
-    request.shutterUs = frame["exposure_us"];
-    request.gainDb = frame["gain_db"];
+    request.state.shutterUs = frame["exposure_us"];
+    request.state.gainDb = frame["gain_db"];
     Bytes pixels(fcsim::packedSize(request.format, request.width, request.height));
     fcsim::Renderer({}, settingsOf(sensor)).render(request, pixels.data());
     return pixels;

@@ -134,7 +134,7 @@ TEST(SceneChart, EachMovingPartMoves)
     chart.paint(request);
     const Canvas before = chart.canvas();
     request.number = 4;
-    request.gainDb = 12;
+    request.state.gainDb = 12;
     for (const Rect& area : chart.paint(request)) {
         bool moved = false;
         for (int y = area.y; y < area.bottom() && !moved; ++y) {
