@@ -2,8 +2,10 @@
 #include "config.h"
 
 #include "config_check.h"
+#include "config_lut.h"
 #include "config_value.h"
 #include "suggest.h"
+#include "toml_text.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -37,7 +39,7 @@ public:
     void readOverride(const std::string& assignment)
     {
         name_ = "--set " + assignment;
-        folder_ = ".";
+        folder_.clear();
         const std::size_t equals = assignment.find('=');
         const std::size_t dot = assignment.find('.');
         if (equals == std::string::npos || dot == std::string::npos || dot > equals) {
@@ -49,19 +51,33 @@ public:
             report({}, "the settings of [[iobox]] can only be given in a file");
             return;
         }
-        const toml::table value = parseValue(assignment.substr(equals + 1));
-        readKey(section, assignment.substr(dot + 1, equals - dot - 1), *value.get("value"), 0);
+        const std::string name = assignment.substr(dot + 1, equals - dot - 1);
+        const toml::table value =
+            parseValue(assignment.substr(equals + 1), takesText(section, name));
+        readKey(section, name, *value.get("value"), 0);
     }
 
 private:
-    /// What stands behind the equals sign: TOML, or a bare word that is taken as a text.
-    static toml::table parseValue(const std::string& text)
+    /// What stands behind the equals sign: TOML, or a bare word that is taken as a text. Where a
+    /// text belongs, 2024-05-01 is one too and no date.
+    static toml::table parseValue(const std::string& text, bool asText)
     {
         try {
-            return toml::parse("value = " + text);
+            toml::table value = toml::parse("value = " + text);
+            if (!asText || value.get("value")->is_string()) {
+                return value;
+            }
         } catch (const toml::parse_error&) {
-            return toml::table{{"value", text}};
+            // Not TOML, so it is a text.
         }
+        return toml::table{{"value", text}};
+    }
+
+    static bool takesText(std::string_view section, std::string_view name)
+    {
+        const Key* key = findKey(section, name);
+        return key != nullptr && (std::holds_alternative<TextRule>(key->rule) ||
+                                  std::holds_alternative<FileRule>(key->rule));
     }
 
     void readSection(std::string_view section, const toml::node& node)
@@ -185,14 +201,11 @@ private:
     static std::string written(const toml::node& value)
     {
         if (const auto* given = value.as_string()) {
-            return "\"" + given->get() + "\"";
+            return tomlText(given->get());
         }
-        constexpr std::size_t kMost = 60;
         std::ostringstream text;
         text << toml::node_view<const toml::node>(value);
-        std::string line = text.str();
-        std::ranges::replace(line, '\n', ' ');
-        return line.size() <= kMost ? line : line.substr(0, kMost) + "...";
+        return onOneLine(text.str());
     }
 
     /// "file:line"; overrides have no lines.
@@ -256,6 +269,9 @@ ConfigErrors readConfiguration(std::string_view text, const std::string& name,
     }
     if (errors.empty()) {
         completeModes(configuration);
+        errors = completeLut(configuration);
+    }
+    if (errors.empty()) {
         errors = checkConfiguration(configuration);
     }
     if (errors.empty()) {

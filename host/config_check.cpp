@@ -1,7 +1,8 @@
 // What keys demand of each other.
 #include "config_check.h"
 
-#include <algorithm>
+#include "config_value.h"
+#include "toml_text.h"
 
 namespace kxhost {
 namespace {
@@ -12,10 +13,10 @@ bool isGiven(const Configuration& configuration, std::string_view section, std::
     return findGiven(configuration, section, name, index) != nullptr;
 }
 
-std::string at(const GivenKey& given, std::string_view problem)
+std::string valueOf(const Configuration& configuration, const GivenKey& given)
 {
-    std::string text = given.where + ": " + std::string(given.key->section) + ".";
-    return text.append(given.key->name).append(": ").append(problem);
+    Settings settings = configuration.settings;
+    return onOneLine(valueText(given.key->rule, given.key->slot(settings, given.index)));
 }
 
 /// Two keys that the plug-in can only use together.
@@ -29,7 +30,8 @@ void checkPair(const Configuration& configuration, std::string_view section, std
     }
     const GivenKey& lonely = first != nullptr ? *first : *second;
     const std::string_view partner = first != nullptr ? other : one;
-    errors.push_back(at(lonely, "needs " + std::string(partner) + " beside it"));
+    errors.push_back(
+        problemOf(configuration, lonely, "needs " + std::string(partner) + " beside it"));
 }
 
 /// A range whose lower end must not lie above its upper end.
@@ -38,23 +40,11 @@ void checkRange(const Configuration& configuration, std::string_view low, std::s
 {
     checkPair(configuration, "auto", low, high, errors);
     const GivenKey* given = findGiven(configuration, "auto", low);
-    if (given != nullptr && isGiven(configuration, "auto", high) && lowValue > highValue) {
-        errors.push_back(at(*given, "lies above " + std::string(high)));
-    }
-}
-
-void checkLut(const Configuration& configuration, ConfigErrors& errors)
-{
-    const Settings& settings = configuration.settings;
-    const GivenKey* given = findGiven(configuration, "lut", "table");
-    if (given == nullptr) {
-        return;
-    }
-    const auto largest = *std::max_element(settings.lut.begin(), settings.lut.end());
-    if ((largest >> settings.lutBits) != 0) {
-        errors.push_back(at(*given, "the value " + std::to_string(largest) + " needs more than " +
-                                        std::to_string(settings.lutBits) +
-                                        " bits (lut.bits says how many there are)"));
+    const GivenKey* partner = findGiven(configuration, "auto", high);
+    if (given != nullptr && partner != nullptr && lowValue > highValue) {
+        errors.push_back(problemOf(configuration, *given,
+                                   "lies above " + std::string(high) + " = " +
+                                       valueOf(configuration, *partner)));
     }
 }
 
@@ -85,7 +75,8 @@ void checkPin(const Configuration& configuration, std::size_t index, ConfigError
         for (const std::string_view name : use.parameters) {
             const GivenKey* given = findGiven(configuration, kIoboxSection, name, index);
             if (given != nullptr && !inUse) {
-                errors.push_back(at(*given, "is for " + std::string(use.name) + " only"));
+                errors.push_back(
+                    problemOf(configuration, *given, "is for " + std::string(use.name) + " only"));
             }
             if (given == nullptr && inUse && use.required) {
                 errors.push_back(place + ": " + std::string(use.name) + " needs " +
@@ -110,7 +101,9 @@ void completeModes(Configuration& configuration)
     Settings& settings = configuration.settings;
     completeMode(configuration, "acquisition", "exposure", "exposure_mode", settings.exposureMode);
     completeMode(configuration, "acquisition", "gain", "gain_mode", settings.gainMode);
-    completeMode(configuration, "lut", "table", "mode", settings.lutMode);
+    for (const std::string_view source : {"table", "file", "curve"}) {
+        completeMode(configuration, "lut", source, "mode", settings.lutMode);
+    }
 }
 
 ConfigErrors checkConfiguration(const Configuration& configuration)
@@ -122,11 +115,18 @@ ConfigErrors checkConfiguration(const Configuration& configuration)
     checkRange(configuration, "exposure_min", "exposure_max", settings.autoExposureMinUs,
                settings.autoExposureMaxUs, errors);
     checkPair(configuration, "color", "white_balance_red", "white_balance_blue", errors);
-    checkLut(configuration, errors);
     for (std::size_t index = 0; index < settings.iobox.size(); ++index) {
         checkPin(configuration, index, errors);
     }
     return errors;
+}
+
+std::string problemOf(const Configuration& configuration, const GivenKey& given,
+                      std::string_view problem)
+{
+    std::string text = given.where + ": " + std::string(given.key->section) + ".";
+    text.append(given.key->name).append(" = ").append(valueOf(configuration, given));
+    return text.append(": ").append(problem);
 }
 
 } // namespace kxhost

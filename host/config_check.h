@@ -9,8 +9,12 @@ namespace kxhost {
 /// Completes what follows from other keys: a mode that was not given is manual when its value was.
 void completeModes(Configuration& configuration);
 
-/// Finds keys that contradict each other, lack their partner or have no effect where they stand.
+/// Finds keys that contradict each other or lack their partner.
 ConfigErrors checkConfiguration(const Configuration& configuration);
+
+/// A problem of a key that was given: "camera.toml:3: auto.gain_min = \"3 dB\": <what is wrong>".
+std::string problemOf(const Configuration& configuration, const GivenKey& given,
+                      std::string_view problem);
 
 } // namespace kxhost
 

@@ -72,10 +72,14 @@ constexpr auto pinParameter = [](Settings& settings, std::size_t index) -> Slot 
 
 constexpr NumberRule kExposureRule = number(Dimension::kTime, 1, 3600e6);
 constexpr NumberRule kGainRule = number(Dimension::kGain, -99, 100);
+/// The camera's registers count automatic gain in 12 bits of 0.1 dB and automatic exposure in 12
+/// bits of 10 us; what lies outside would become another value.
+constexpr NumberRule kGainLimitRule = number(Dimension::kGain, 0, 100);
+constexpr NumberRule kExposureLimitRule = number(Dimension::kTime, 10, 40950);
 constexpr NumberRule kPinTimeRule = whole(0, kLargest, Dimension::kTime);
 
 const std::array kKeys = {
-    Key{"camera", "model", Takes::kStart, TextRule{true}, "any",
+    Key{"camera", "model", Takes::kStart, TextRule{false}, "any",
         "The camera's model name, or the beginning of it.", member<&Settings::model>},
     Key{"camera", "serial", Takes::kStart, SerialRule{}, "any",
         "The camera's serial number; a text may be decimal, 0x hexadecimal or 0 octal.",
@@ -145,13 +149,13 @@ const std::array kKeys = {
     Key{"auto", "brightness", Takes::kReload, number(Dimension::kShare, 0.001, 0.999), kKept,
         "Brightness that the automatic functions aim at, as a share of their range.",
         member<&Settings::brightness>},
-    Key{"auto", "gain_min", Takes::kReload, kGainRule, kKept, "Lower limit of automatic gain.",
+    Key{"auto", "gain_min", Takes::kReload, kGainLimitRule, kKept, "Lower limit of automatic gain.",
         member<&Settings::autoGainMinDb>},
-    Key{"auto", "gain_max", Takes::kReload, kGainRule, kKept, "Upper limit of automatic gain.",
+    Key{"auto", "gain_max", Takes::kReload, kGainLimitRule, kKept, "Upper limit of automatic gain.",
         member<&Settings::autoGainMaxDb>},
-    Key{"auto", "exposure_min", Takes::kReload, kExposureRule, kKept,
+    Key{"auto", "exposure_min", Takes::kReload, kExposureLimitRule, kKept,
         "Lower limit of automatic exposure.", member<&Settings::autoExposureMinUs>},
-    Key{"auto", "exposure_max", Takes::kReload, kExposureRule, kKept,
+    Key{"auto", "exposure_max", Takes::kReload, kExposureLimitRule, kKept,
         "Upper limit of automatic exposure.", member<&Settings::autoExposureMaxUs>},
 
     Key{"timestamps", "clock_correction", Takes::kReload, whole(-1e9, 1e9, Dimension::kDrift),
@@ -159,13 +163,18 @@ const std::array kKeys = {
         "Correction of the camera's clock; other than 0, time stamps come from that clock.",
         member<&Settings::clockCorrectionNs>},
 
-    Key{"lut", "table", Takes::kLive, LutRule{}, "none",
-        "The look-up table: 512 whole numbers, or the name of a text file that holds them.",
-        member<&Settings::lut>},
+    Key{"lut", "table", Takes::kLive, TableRule{}, "none",
+        "The look-up table as an array of 512 whole numbers.", member<&Settings::lut>},
+    Key{"lut", "file", Takes::kLive, FileRule{}, "none",
+        "File that holds the look-up table: text, or 16-bit binary (.bin, .raw, .u16).",
+        member<&Settings::lutFile>},
+    Key{"lut", "curve", Takes::kLive, CurveRule{}, "none",
+        "Curve from which the look-up table is calculated.", member<&Settings::lutCurve>},
     Key{"lut", "bits", Takes::kLive, whole(1, 16), "9", "Bit width of the table's values.",
         member<&Settings::lutBits>},
-    Key{"lut", "mode", Takes::kLive, WordRule{kModeWords}, "manual with table, else keep",
-        "Who sets the look-up table; manual without a table switches it off.",
+    Key{"lut", "mode", Takes::kLive, WordRule{kModeWords},
+        "manual with a table, file or curve, else keep",
+        "Who sets the look-up table; manual without one switches the camera's off.",
         member<&Settings::lutMode>},
 
     Key{kIoboxSection, "pin", Takes::kLive, WordRule{kPinWords}, "none", "The pin that is set.",
@@ -198,7 +207,7 @@ const std::array kKeys = {
     Key{"log", "id", Takes::kStart, whole(0, kLargest), "0",
         "Number in the plug-in's syslog identity.", member<&Settings::logId>},
 
-    Key{"output", "folder", Takes::kStart, TextRule{true}, "nothing is written",
+    Key{"output", "folder", Takes::kStart, TextRule{false}, "nothing is written",
         "Folder for pictures and metadata; created when it is missing.",
         member<&Settings::outputFolder>},
     Key{"output", "prefix", Takes::kStart, TextRule{true}, "frame_",

@@ -16,7 +16,7 @@ namespace kxhost {
 
 /// Where a key's value goes.
 using Slot = std::variant<float*, double*, std::uint32_t*, std::int32_t*, std::int64_t*, bool*,
-                          std::string*, std::vector<std::uint16_t>*>;
+                          std::string*, std::vector<std::uint16_t>*, LutCurve*>;
 
 /// A number, with unit where the dimension has one; both limits included.
 struct NumberRule {
@@ -35,10 +35,13 @@ struct WordRule {
     std::span<const Word> words;
 };
 
-/// Free text; the empty one only when `mayBeEmpty`.
+/// Free text; without slashes when it becomes part of a file's name.
 struct TextRule {
-    bool mayBeEmpty;
+    bool inFileName;
 };
+
+/// The name of an existing file; relative ones start in the folder of the configuration file.
+struct FileRule {};
 
 /// A serial number: a whole number, or text in decimal, 0x hexadecimal or 0 octal.
 struct SerialRule {};
@@ -46,10 +49,14 @@ struct SerialRule {};
 /// true or false.
 struct SwitchRule {};
 
-/// The entries of a look-up table: an array, or the name of a text file that holds them.
-struct LutRule {};
+/// The entries of a look-up table as an array.
+struct TableRule {};
 
-using Rule = std::variant<NumberRule, WordRule, TextRule, SerialRule, SwitchRule, LutRule>;
+/// A named curve.
+struct CurveRule {};
+
+using Rule = std::variant<NumberRule, WordRule, TextRule, FileRule, SerialRule, SwitchRule,
+                          TableRule, CurveRule>;
 
 /// When a changed value takes effect in a running grab.
 enum class Takes {

@@ -1,22 +1,17 @@
 // One configuration value: each kind of rule reads, writes and describes itself here.
 #include "config_value.h"
 
+#include "toml_text.h"
+
 #include <cerrno>
 #include <charconv>
 #include <cmath>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <optional>
 
 namespace kxhost {
 namespace {
-
-std::string inQuotes(std::string_view text)
-{
-    return "\"" + std::string(text) + "\"";
-}
 
 // ---- Numbers.
 
@@ -100,7 +95,7 @@ std::string allowed(const NumberRule& rule)
 std::string text(const NumberRule& rule, const Slot& slot)
 {
     const std::string value = formatQuantity(loadNumber(slot), rule.dimension);
-    return rule.dimension == Dimension::kNone ? value : inQuotes(value);
+    return rule.dimension == Dimension::kNone ? value : tomlText(value);
 }
 
 // ---- Words.
@@ -122,7 +117,7 @@ std::string allowed(const WordRule& rule)
 {
     std::string names;
     for (const Word& word : rule.words) {
-        names.append(names.empty() ? "" : ", ").append(inQuotes(word.name));
+        names.append(names.empty() ? "" : ", ").append(tomlText(word.name));
     }
     return "one of " + names;
 }
@@ -131,7 +126,7 @@ std::string text(const WordRule& rule, const Slot& slot)
 {
     for (const Word& word : rule.words) {
         if (word.value == *std::get<std::int32_t*>(slot)) {
-            return inQuotes(word.name);
+            return tomlText(word.name);
         }
     }
     return "?";
@@ -143,7 +138,7 @@ std::string assign(const TextRule& rule, const toml::node& node, const std::stri
                    const Slot& slot)
 {
     const auto given = node.value_exact<std::string>();
-    if (!given || (given->empty() && !rule.mayBeEmpty)) {
+    if (!given || (rule.inFileName && given->find('/') != std::string::npos)) {
         return "expected " + allowedBy(rule);
     }
     *std::get<std::string*>(slot) = *given;
@@ -152,12 +147,35 @@ std::string assign(const TextRule& rule, const toml::node& node, const std::stri
 
 std::string allowed(const TextRule& rule)
 {
-    return rule.mayBeEmpty ? "a text" : "a text that is not empty";
+    return rule.inFileName ? "a text in quotes, without slashes" : "a text in quotes";
 }
 
 std::string text(const TextRule&, const Slot& slot)
 {
-    return inQuotes(*std::get<std::string*>(slot));
+    return tomlText(*std::get<std::string*>(slot));
+}
+
+std::string assign(const FileRule& rule, const toml::node& node, const std::string& folder,
+                   const Slot& slot)
+{
+    const auto given = node.value_exact<std::string>();
+    if (!given || given->empty()) {
+        return "expected " + allowedBy(rule);
+    }
+    *std::get<std::string*>(slot) = (std::filesystem::path(folder) / *given).string();
+    return {};
+}
+
+std::string allowed(const FileRule&)
+{
+    return "the name of a file in quotes";
+}
+
+/// An absolute name means the same wherever the text is read again.
+std::string text(const FileRule&, const Slot& slot)
+{
+    const std::filesystem::path path = *std::get<std::string*>(slot);
+    return tomlText(std::filesystem::absolute(path).lexically_normal().string());
 }
 
 /// The plug-in reads the text with automatic base and rejects what is left over.
@@ -193,7 +211,7 @@ std::string allowed(const SerialRule&)
 
 std::string text(const SerialRule&, const Slot& slot)
 {
-    return inQuotes(*std::get<std::string*>(slot));
+    return tomlText(*std::get<std::string*>(slot));
 }
 
 std::string assign(const SwitchRule& rule, const toml::node& node, const std::string&,
@@ -219,57 +237,67 @@ std::string text(const SwitchRule&, const Slot& slot)
 
 // ---- Look-up tables.
 
-std::string checkLut(const std::vector<std::uint16_t>& entries, const std::string& source)
+std::string assign(const TableRule& rule, const toml::node& node, const std::string&,
+                   const Slot& slot)
 {
-    if (entries.size() == kLutEntries) {
-        return {};
+    const toml::array* array = node.as_array();
+    if (array == nullptr) {
+        return "expected " + allowedBy(rule);
     }
-    return source + " has " + std::to_string(entries.size()) + " entries, a table has " +
-           std::to_string(kLutEntries);
-}
-
-std::string readLutArray(const toml::array& array, std::vector<std::uint16_t>& entries)
-{
-    for (const toml::node& node : array) {
-        const auto entry = node.value_exact<std::int64_t>();
+    std::vector<std::uint16_t> entries;
+    for (const toml::node& each : *array) {
+        const auto entry = each.value_exact<std::int64_t>();
         if (!entry || *entry < 0 || *entry > 0xFFFF) {
             return "entry " + std::to_string(entries.size()) +
                    " is not a whole number from 0 to 65535";
         }
         entries.push_back(static_cast<std::uint16_t>(*entry));
     }
-    return checkLut(entries, "the array");
-}
-
-std::string assign(const LutRule& rule, const toml::node& node, const std::string& folder,
-                   const Slot& slot)
-{
-    std::vector<std::uint16_t> entries;
-    std::string problem = "expected " + allowedBy(rule);
-    if (const auto* array = node.as_array()) {
-        problem = readLutArray(*array, entries);
-    } else if (const auto* name = node.as_string()) {
-        problem = readLutFile((std::filesystem::path(folder) / name->get()).string(), entries);
+    if (entries.size() != kLutEntries) {
+        return "holds " + std::to_string(entries.size()) + " values, a table has " +
+               std::to_string(kLutEntries);
     }
-    if (problem.empty()) {
-        *std::get<std::vector<std::uint16_t>*>(slot) = std::move(entries);
-    }
-    return problem;
+    *std::get<std::vector<std::uint16_t>*>(slot) = std::move(entries);
+    return {};
 }
 
-std::string allowed(const LutRule&)
+std::string allowed(const TableRule&)
 {
-    return "an array of 512 whole numbers from 0 to 65535, or the name of a file that holds them";
+    return "an array of 512 whole numbers from 0 to 65535 (a file's name goes to lut.file)";
 }
 
-std::string text(const LutRule&, const Slot& slot)
+std::string text(const TableRule&, const Slot& slot)
 {
+    constexpr std::size_t kPerLine = 16;
     const auto& entries = *std::get<std::vector<std::uint16_t>*>(slot);
     std::string list = "[";
-    for (const std::uint16_t entry : entries) {
-        list.append(list.size() > 1 ? ", " : "").append(std::to_string(entry));
+    for (std::size_t index = 0; index < entries.size(); ++index) {
+        list.append(index % kPerLine == 0 ? "\n    " : " ");
+        list.append(std::to_string(entries[index])).append(",");
     }
-    return list + "]";
+    return list + "\n]";
+}
+
+std::string assign(const CurveRule& rule, const toml::node& node, const std::string&,
+                   const Slot& slot)
+{
+    const auto given = node.value_exact<std::string>();
+    const auto curve = given ? parseCurve(*given) : std::nullopt;
+    if (!curve) {
+        return "expected " + allowedBy(rule);
+    }
+    *std::get<LutCurve*>(slot) = *curve;
+    return {};
+}
+
+std::string allowed(const CurveRule&)
+{
+    return knownCurves();
+}
+
+std::string text(const CurveRule&, const Slot& slot)
+{
+    return tomlText(curveText(*std::get<LutCurve*>(slot)));
 }
 
 } // namespace
@@ -288,29 +316,6 @@ std::string assignValue(const Rule& rule, const toml::node& node, const std::str
 std::string valueText(const Rule& rule, const Slot& slot)
 {
     return std::visit([&](const auto& one) { return text(one, slot); }, rule);
-}
-
-std::string readLutFile(const std::string& path, std::vector<std::uint16_t>& entries)
-{
-    std::ifstream file(path);
-    if (!file) {
-        return "the file " + inQuotes(path) + " cannot be read";
-    }
-    std::string content{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-    constexpr const char* kBetween = " \t\r\n,;";
-    std::size_t at = content.find_first_not_of(kBetween);
-    while (at != std::string::npos) {
-        const std::size_t end = std::min(content.find_first_of(kBetween, at), content.size());
-        std::uint16_t entry = 0;
-        const auto [stop, error] = std::from_chars(&content[at], &content[at] + (end - at), entry);
-        if (error != std::errc{} || stop != &content[at] + (end - at)) {
-            return "the file " + inQuotes(path) + " has " + inQuotes(content.substr(at, end - at)) +
-                   " where a whole number from 0 to 65535 belongs";
-        }
-        entries.push_back(entry);
-        at = content.find_first_not_of(kBetween, end);
-    }
-    return checkLut(entries, "the file " + inQuotes(path));
 }
 
 } // namespace kxhost

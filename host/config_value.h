@@ -22,10 +22,6 @@ std::string assignValue(const Rule& rule, const toml::node& node, const std::str
 /// The value in `slot` as it can be written in a configuration file.
 std::string valueText(const Rule& rule, const Slot& slot);
 
-/// Reads the entries of a look-up table from a text file: whole numbers parted by blanks, commas or
-/// line ends. Returns an empty text, or what is wrong.
-std::string readLutFile(const std::string& path, std::vector<std::uint16_t>& entries);
-
 } // namespace kxhost
 
 #endif

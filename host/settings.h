@@ -3,6 +3,7 @@
 #define KXHOST_SETTINGS_H
 
 #include "export_settings.h"
+#include "lut_curve.h"
 
 #include <array>
 #include <cstddef>
@@ -76,6 +77,8 @@ struct Settings {
 
     std::int32_t lutMode = kSweepKeep;
     std::uint32_t lutBits = 9;
+    std::string lutFile;            ///< path of the file that `lut` was read from; empty = none
+    LutCurve lutCurve;              ///< what `lut` was calculated from when lut.curve is given
     std::vector<std::uint16_t> lut; ///< kLutEntries values, or none
 
     std::vector<IoboxSetting> iobox;

@@ -23,8 +23,9 @@ constexpr std::string_view kByReload =
 constexpr std::string_view kAtOnce =
     "acquisition.exposure acquisition.exposure_mode acquisition.gain acquisition.gain_mode "
     "acquisition.gamma color.saturation color.white_balance_red color.white_balance_blue "
-    "auto.auto_exposure lut.table lut.bits lut.mode iobox.pin iobox.mode iobox.source iobox.invert "
-    "iobox.delay iobox.duration iobox.bits iobox.word iobox.timeout_polls iobox.gap_polls "
+    "auto.auto_exposure lut.table lut.file lut.curve lut.bits lut.mode iobox.pin iobox.mode "
+    "iobox.source iobox.invert iobox.delay iobox.duration iobox.bits iobox.word "
+    "iobox.timeout_polls iobox.gap_polls "
     "log.level ";
 
 TEST(ConfigTakes, EveryKeyTakesEffectWhenItIsExpectedTo)

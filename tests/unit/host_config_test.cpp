@@ -1,38 +1,9 @@
 // Reading configurations: every key, every kind of mistake.
-#include "config.h"
 #include "config_value.h"
-
-#include <gtest/gtest.h>
-
-#include <filesystem>
-#include <fstream>
+#include "host_config_fixture.h"
 
 namespace kxhost {
 namespace {
-
-ConfigErrors read(std::string_view text, Configuration& result,
-                  const std::vector<std::string>& overrides = {})
-{
-    return readConfiguration(text, "camera.toml", ".", overrides, result);
-}
-
-/// The settings of a configuration that is expected to be good.
-Configuration good(std::string_view text, const std::vector<std::string>& overrides = {})
-{
-    Configuration result;
-    const ConfigErrors errors = read(text, result, overrides);
-    EXPECT_TRUE(errors.empty()) << (errors.empty() ? "" : errors.front());
-    return result;
-}
-
-/// The only error of a configuration that is expected to be bad.
-std::string onlyError(std::string_view text, const std::vector<std::string>& overrides = {})
-{
-    Configuration result;
-    const ConfigErrors errors = read(text, result, overrides);
-    EXPECT_EQ(errors.size(), 1U);
-    return errors.empty() ? "" : errors.front();
-}
 
 TEST(Config, AbsentKeysAreTheSentinelsOfTheGetters)
 {
@@ -243,7 +214,9 @@ TEST(Config, RefusesImpossibleValuesAndSaysWhatIsAllowed)
               "camera.toml:2: camera.serial = \"12abc\": expected a serial number from 0 to "
               "4294967295, as a number or a text");
     EXPECT_EQ(onlyError("[camera]\nmodel = 7\n"),
-              "camera.toml:2: camera.model = 7: expected a text");
+              "camera.toml:2: camera.model = 7: expected a text in quotes");
+    EXPECT_EQ(onlyError("[output]\nfolder = 2024-05-01\n"),
+              "camera.toml:2: output.folder = 2024-05-01: expected a text in quotes");
 }
 
 TEST(Config, EveryKeyRefusesAValueOfAForeignKind)
@@ -315,67 +288,80 @@ TEST(Config, OverridesWinAndAreCheckedAlike)
               "--set iobox.pin=gpio1: the settings of [[iobox]] can only be given in a file");
 }
 
-TEST(Config, RefusesKeysThatContradictEachOther)
+TEST(Config, WhereATextBelongsAnOverrideIsOneWhateverItLooksLike)
 {
-    EXPECT_EQ(onlyError("[auto]\ngain_min = 3\n"),
-              "camera.toml:2: auto.gain_min: needs gain_max beside it");
-    EXPECT_EQ(onlyError("[auto]\nexposure_max = \"1 ms\"\n"),
-              "camera.toml:2: auto.exposure_max: needs exposure_min beside it");
-    EXPECT_EQ(onlyError("[auto]\ngain_min = 3\ngain_max = 2\n"),
-              "camera.toml:2: auto.gain_min: lies above gain_max");
-    EXPECT_EQ(onlyError("[color]\nwhite_balance_red = 500\n"),
-              "camera.toml:2: color.white_balance_red: needs white_balance_blue beside it");
-}
-
-TEST(Config, RefusesPinsThatMakeNoSense)
-{
-    EXPECT_EQ(onlyError("[[iobox]]\nmode = \"output\"\n"), "iobox setting 1: pin is missing");
-    EXPECT_EQ(onlyError("[[iobox]]\npin = \"gpio1\"\nbits = 3\n"),
-              "camera.toml:3: iobox.bits: is for data output only");
-    EXPECT_EQ(
-        onlyError("[[iobox]]\npin = \"gpio1\"\nmode = \"output\"\nsource = \"data\"\nbits = 3\n"),
-        "iobox setting 1: data output needs word");
-    const std::string four = "[[iobox]]\n[[iobox]]\n[[iobox]]\n[[iobox]]\n";
-    EXPECT_NE(onlyError(four).find("there may be 3 [[iobox]] settings, not 4"), std::string::npos);
-}
-
-std::string lutArray(std::size_t count, unsigned value)
-{
-    std::string text = "[lut]\ntable = [";
-    for (std::size_t entry = 0; entry < count; ++entry) {
-        text += std::to_string(value) + ",";
+    for (const char* name : {"2024-05-01", "10", "1e3", "true", "10:30", "[]", "{", "a b", "#1"}) {
+        EXPECT_EQ(good("", {std::string("output.folder=") + name}).settings.outputFolder, name);
     }
-    return text + "]\n";
+    EXPECT_EQ(good("", {"output.folder=\"in quotes\""}).settings.outputFolder, "in quotes");
+    EXPECT_EQ(good("", {"output.folder="}).settings.outputFolder, "");
+    EXPECT_EQ(onlyError("", {"output.metadata=1"}),
+              "--set output.metadata=1: output.metadata = 1: expected true or false");
 }
 
-TEST(Config, ReadsALookUpTable)
+TEST(Config, ThePrefixOfPicturesHoldsNoSlash)
 {
-    const Settings settings = good(lutArray(512, 511)).settings;
-    EXPECT_EQ(settings.lut.size(), 512U);
-    EXPECT_EQ(settings.lut[511], 511U);
-    EXPECT_EQ(settings.lutMode, kSweepManual);
-    EXPECT_NE(onlyError(lutArray(511, 1)).find("has 511 entries"), std::string::npos);
-    EXPECT_NE(onlyError(lutArray(512, 512)).find("needs more than 9 bits"), std::string::npos);
-    EXPECT_NE(onlyError(lutArray(512, 65536)).find("entry 0 is not"), std::string::npos);
+    EXPECT_EQ(good("[output]\nprefix = \"a-b.\"\n").settings.outputPrefix, "a-b.");
+    EXPECT_EQ(onlyError("[output]\nprefix = \"a/b\"\n"),
+              "camera.toml:2: output.prefix = \"a/b\": expected a text in quotes, without slashes");
+    EXPECT_EQ(onlyError("", {"output.prefix=/"}),
+              "--set output.prefix=/: output.prefix = \"/\": expected a text in quotes, without "
+              "slashes");
 }
 
-TEST(Config, ReadsALookUpTableFromAFile)
+TEST(Config, MessagesQuoteValuesSoThatTheyStayOnOneLine)
 {
-    const std::string path = testing::TempDir() + "kxhost_lut.txt";
-    std::vector<std::uint16_t> entries;
-    EXPECT_NE(readLutFile(path + ".missing", entries).find("cannot be read"), std::string::npos);
-    {
-        std::ofstream file(path);
-        for (int entry = 0; entry < 512; ++entry) {
-            file << entry << (entry % 16 == 15 ? "\n" : ", ");
-        }
+    EXPECT_EQ(onlyError("[log]\nlevel = \"a\\nb \\\"c\\\"\"\n"),
+              "camera.toml:2: log.level = \"a\\nb \\\"c\\\"\": expected one of \"off\", "
+              "\"error\", \"warning\", \"info\", \"debug\", \"trace\"");
+}
+
+/// No value that a file can hold is one of those by which the getters say "keep".
+TEST(Config, SentinelsCannotBeConfigured)
+{
+    for (const char* assignment : {"acquisition.gain=-100",
+                                   "acquisition.gain=-99.0001",
+                                   "acquisition.gain=nan",
+                                   "acquisition.exposure=-1 us",
+                                   "acquisition.exposure=0.999 us",
+                                   "acquisition.gamma=-1",
+                                   "acquisition.gamma=0.1999999",
+                                   "acquisition.frame_rate=-1",
+                                   "acquisition.frame_rate=0",
+                                   "acquisition.frame_rate=0.00099",
+                                   "color.saturation=-1",
+                                   "auto.brightness=-1",
+                                   "auto.brightness=0",
+                                   "auto.brightness=1",
+                                   "auto.brightness=100 %",
+                                   "auto.gain_min=-100",
+                                   "auto.gain_min=-0.1",
+                                   "auto.exposure_min=-1 us",
+                                   "auto.exposure_min=9.9 us",
+                                   "region.width=4294967295",
+                                   "region.offset_x=-1",
+                                   "color.white_balance_red=-1",
+                                   "color.white_balance_blue=4294967295"}) {
+        Configuration result;
+        EXPECT_EQ(read("", result, {assignment}).size(), 1U) << assignment;
     }
-    EXPECT_EQ(readLutFile(path, entries), "");
-    EXPECT_EQ(entries[300], 300U);
-    std::ofstream(path) << "1 2 x3 4";
-    entries.clear();
-    EXPECT_NE(readLutFile(path, entries).find("\"x3\""), std::string::npos);
-    std::filesystem::remove(path);
+    const Settings least = good("[acquisition]\ngain = -99\nexposure = \"1 us\"\ngamma = 0.2\n"
+                                "frame_rate = 0.001\n")
+                               .settings;
+    EXPECT_EQ(least.gainDb, -99.0F);
+    EXPECT_EQ(least.exposureUs, 1.0F);
+    EXPECT_GE(static_cast<double>(least.gamma), 0.2);
+    EXPECT_EQ(least.frameRate, 0.001F);
+}
+
+/// The camera counts them in twelve bits, of 0.1 dB and of 10 us.
+TEST(Config, AutomaticLimitsEndWhereTheCamerasRegistersDo)
+{
+    const std::string both = "[auto]\nexposure_min = \"10 us\"\nexposure_max = ";
+    EXPECT_EQ(good(both + "\"40.95 ms\"\n").settings.autoExposureMaxUs, 40950.0F);
+    EXPECT_EQ(onlyError(both + "\"40.96 ms\"\n"),
+              "camera.toml:3: auto.exposure_max = \"40.96 ms\": expected a number from 10 us to "
+              "40950 us, with its unit (us, ns, ms, s, min)");
 }
 
 TEST(Config, DescribesWhatIsInForceSoThatItCanBeReadAgain)
@@ -387,6 +373,17 @@ TEST(Config, DescribesWhatIsInForceSoThatItCanBeReadAgain)
     EXPECT_NE(text.find("exposure = \"10000 us\"\n"), std::string::npos) << text;
     EXPECT_NE(text.find("# gain: kept as the camera has it\n"), std::string::npos) << text;
     EXPECT_EQ(describeConfiguration(good(text)), text);
+}
+
+TEST(Config, DescribedTextsReadBackAsTheyWere)
+{
+    const std::string odd = "a \"b\" \\ c\t";
+    Configuration first;
+    ASSERT_TRUE(read("[camera]\nmodel = 'a \"b\" \\ c\t'\n", first).empty());
+    ASSERT_EQ(first.settings.model, odd);
+    const std::string text = describeConfiguration(first);
+    EXPECT_NE(text.find(R"(model = "a \"b\" \\ c\t")"), std::string::npos) << text;
+    EXPECT_EQ(good(text).settings.model, odd);
 }
 
 TEST(Config, AMissingFileIsOneSentence)
