@@ -108,6 +108,7 @@ void setSensorDefaults(CameraDescription& camera)
     properties[FRAME_RATE].rawMax = 4095;
     if (camera.sensor.colour) {
         setColourProperties(camera);
+        camera.lut.channels = 3;
         camera.format7.pixelFormats = {
             PIXEL_FORMAT_MONO8,   PIXEL_FORMAT_MONO12, PIXEL_FORMAT_MONO16,  PIXEL_FORMAT_RAW8,
             PIXEL_FORMAT_RAW12,   PIXEL_FORMAT_RAW16,  PIXEL_FORMAT_411YUV8, PIXEL_FORMAT_422YUV8,

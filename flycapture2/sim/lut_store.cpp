@@ -45,7 +45,7 @@ Error LutStore::bankInfo(unsigned bank, bool& readable, bool& writable) const
 {
     Error error = checkBank(bank);
     readable = error == FlyCapture2::PGRERROR_OK;
-    writable = readable && bank > 0;
+    writable = readable;
     return error;
 }
 
@@ -86,16 +86,9 @@ Error LutStore::write(unsigned bank, unsigned channel, unsigned count, const uns
     if (error != FlyCapture2::PGRERROR_OK) {
         return error;
     }
-    if (bank == 0) {
-        return makeError(FlyCapture2::PGRERROR_LUT_FAILED,
-                         "look-up table bank 0 cannot be written");
-    }
     const unsigned most = (1U << description_.outputBits) - 1;
-    if (std::any_of(entries, entries + count, [most](unsigned entry) { return entry > most; })) {
-        return makeError(FlyCapture2::PGRERROR_LUT_FAILED,
-                         "look-up table entry above " + std::to_string(most));
-    }
-    std::copy_n(entries, count, &entries_[start(bank, channel)]);
+    std::transform(entries, entries + count, &entries_[start(bank, channel)],
+                   [most](unsigned entry) { return std::min(entry, most); });
     return error;
 }
 
