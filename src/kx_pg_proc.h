@@ -87,6 +87,11 @@ public:
     /// `info`. Returns the rejected ones: 1 offset X, 2 offset Y, 4 width, 8 height.
     KX_API unsigned int ProcParametrizeCamAoi(FlyCapture2::Format7Info* info,
                                               FlyCapture2::Format7ImageSettings* settings);
+    /// Loads a look-up table into the camera's bank that is not active and makes it the active
+    /// one: the host's, or with `dynamic` the calculated one. Without a table the camera's is
+    /// switched off. Does nothing for the table that was loaded last, nor with the host's while one
+    /// is being calculated. A failure is logged and leaves the camera's former table in force.
+    KX_API void ProcParametrizeCamManLUT(CExCam* cam, bool dynamic);
     /// 1 = the configured width or height is not the camera's current one, else 0.
     KX_API int ProcCheckCfgCamAoi(CExCam* cam);
 
@@ -167,7 +172,9 @@ public:
     std::uint32_t dynLutState = 0;
     std::uint32_t dynLutMode = 0; ///< 6 and 7: a 12-bit pass wants the grab loop to run again
     std::unique_ptr<std::uint16_t, FreeBlock> lutArray;
+    std::uint32_t lutEntries = 0; ///< of `lutArray`, as of its last calculation
     std::unique_ptr<std::uint32_t, FreeBlock> cdfArray;
+    const std::uint16_t* lastLutData = nullptr; ///< table loaded last; only ever compared
 
     /// The converted pixels; kept, so that the SDK can use its memory again for each frame.
     FlyCapture2::Image convImage;

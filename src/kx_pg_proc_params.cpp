@@ -58,6 +58,9 @@ void refreshTimestampMode(CCamProc& proc)
     }
 }
 
+/// Sweep mode in which the host's configuration holds the value.
+constexpr int kManual = 1;
+
 } // namespace
 
 int CCamProc::ProcParametrizeCam(CExCam* cam, bool dynamic)
@@ -73,8 +76,11 @@ int CCamProc::ProcParametrizeCam(CExCam* cam, bool dynamic)
         // Frame rate and rotation join here.
     }
     // The parameters that a running capture takes join here: saturation and white balance (colour
-    // only), the automatic functions by the host's sweep modes, manual gain and exposure, look-up
-    // table, gamma, output lines.
+    // only), the automatic functions by the host's sweep modes, manual gain and exposure.
+    if (KxGiMainCtx__GetSweepLutMod() == kManual) {
+        ProcParametrizeCamManLUT(cam, false);
+    }
+    // Gamma and the output lines join here.
     if (!dynamic) {
         refreshRate(*this, *cam);
         refreshGeometry(*this, *cam);

@@ -63,15 +63,15 @@ KX_GETTER(int32_t, KxGiMainCtx__GetSweepEtimeMod, sweepEtimeMod)
 KX_GETTER(int32_t, KxGiMainCtx__GetSweepLutMod, sweepLutMod)
 KX_GETTER(int32_t, KxGiMainCtx__GetTsadjns, tsadjns)
 
-// Nothing is configured behind these.
-uint16_t KxGiMainCtx__GetLutBitSize(void)
-{
-    return 0;
-}
+KX_GETTER(uint16_t, KxGiMainCtx__GetLutBitSize, lutBits)
+
 const uint16_t* KxGiMainCtx__GetLutDataU16(void)
 {
-    return nullptr;
+    kxtest::journal().add({kxtest::Kind::getter, "KxGiMainCtx__GetLutDataU16", "", 0});
+    return host().config.lut.empty() ? nullptr : host().config.lut.data();
 }
+
+// Nothing is configured behind these.
 uint32_t KxGiMainCtx__GetIoboxNum(void)
 {
     return 0;

@@ -87,14 +87,21 @@ void KxGi__CommTriggerAll(uint64_t timestampUs, uint32_t offsetUs, int32_t expos
     record("KxGi__CommTriggerAll", format("%llu, %u, %i", wide(timestampUs), offsetUs, exposureUs));
 }
 
-void KxGi__CalcLutDynam(const void*, uint32_t, uint32_t, uint32_t, uint32_t, uint32_t*)
+void KxGi__CalcLutDynam(const void* pixels, uint32_t width, uint32_t height, uint32_t pitch,
+                        uint32_t bitsPerPixel, uint32_t* cdf)
 {
-    record("KxGi__CalcLutDynam");
+    record("KxGi__CalcLutDynam", format("%u, %u, %u, %u", width, height, pitch, bitsPerPixel));
+    if (host().calcLut) {
+        host().calcLut(pixels, bitsPerPixel, cdf);
+    }
 }
 
-void KxGi__GetLutDynam(uint32_t, const uint32_t*, uint32_t, uint16_t*)
+void KxGi__GetLutDynam(uint32_t outputBits, const uint32_t* cdf, uint32_t inputBits, uint16_t* lut)
 {
-    record("KxGi__GetLutDynam");
+    record("KxGi__GetLutDynam", format("%u, %u", outputBits, inputBits));
+    if (host().getLut) {
+        host().getLut(outputBits, cdf, lut);
+    }
 }
 
 void KxGiMem__Init(uint32_t count, int zero)

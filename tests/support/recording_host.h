@@ -50,6 +50,8 @@ struct HostConfig {
     std::int32_t sweepEtimeMod = 0;
     std::int32_t sweepLutMod = 0;
     std::int32_t tsadjns = 0;
+    std::uint16_t lutBits = 0;
+    std::vector<std::uint16_t> lut; ///< empty = no table
 };
 
 /// The values that were published when a frame was exported. A parameter that was never published
@@ -84,6 +86,10 @@ public:
     std::function<int()> checkSignal;
     std::function<int(int* restart)> doReconfig;
     std::function<int()> checkDynConfig;
+    /// Fills the distribution of a frame, and the table that follows from one.
+    std::function<void(const void* pixels, std::uint32_t bitsPerPixel, std::uint32_t* cdf)> calcLut;
+    std::function<void(std::uint32_t outputBits, const std::uint32_t* cdf, std::uint16_t* lut)>
+        getLut;
     /// Called for each host call but the getters, after it was recorded: lets it take time or
     /// throw.
     std::function<void(std::string_view name)> onCall;

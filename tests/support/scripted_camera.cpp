@@ -135,6 +135,13 @@ Error ScriptedCamera::SetUserBuffers(unsigned char* const memory, int size, int 
     return CExCam::SetUserBuffers(memory, size, count);
 }
 
+Error ScriptedCamera::SetLUTChannel(unsigned int bank, unsigned int channel, unsigned int count,
+                                    const unsigned int* entries)
+{
+    luts.push_back({bank, channel, {entries, entries + count}});
+    return CExCam::SetLUTChannel(bank, channel, count, entries);
+}
+
 Error ScriptedCamera::SetEmbeddedImageInfo(FlyCapture2::EmbeddedImageInfo* info)
 {
     embedded.push_back(*info);

@@ -26,6 +26,13 @@ struct ScriptedFrame {
 FlyCapture2::TimeStamp cycleTimeStamp(std::uint64_t us);
 std::uint32_t packedCycleTime(std::uint64_t us);
 
+/// A look-up table's channel that was written.
+struct LutWrite {
+    unsigned bank = 0;
+    unsigned channel = 0;
+    std::vector<unsigned> entries;
+};
+
 /// From now on images show this time stamp; nothing = their own.
 void scriptTimeStamp(std::optional<FlyCapture2::TimeStamp> stamp);
 
@@ -62,6 +69,7 @@ public:
     std::vector<unsigned> packetSizes;
     std::vector<FlyCapture2::EmbeddedImageInfo> embedded;
     std::vector<const void*> userBuffers;
+    std::vector<LutWrite> luts;
 
     FlyCapture2::Error RetrieveBuffer(FlyCapture2::Image* image) override;
     FlyCapture2::Error StartCapture(FlyCapture2::ImageEventCallback callback,
@@ -71,6 +79,8 @@ public:
     FlyCapture2::Error SetProperty(const FlyCapture2::Property* property, bool broadcast) override;
     FlyCapture2::Error SetConfiguration(const FlyCapture2::FC2Config* config) override;
     FlyCapture2::Error SetUserBuffers(unsigned char* const memory, int size, int count) override;
+    FlyCapture2::Error SetLUTChannel(unsigned int bank, unsigned int channel, unsigned int count,
+                                     const unsigned int* entries) override;
     FlyCapture2::Error SetEmbeddedImageInfo(FlyCapture2::EmbeddedImageInfo* info) override;
     FlyCapture2::Error SetFormat7Configuration(const FlyCapture2::Format7ImageSettings* settings,
                                                unsigned int packetSize) override;
