@@ -48,6 +48,10 @@ std::unique_ptr<Process> GrabSession::start()
     std::vector<std::string> all = {
         kxhostPath(), "grab",      "--simulate=" + busFile,     "--output",
         outputFolder, "--summary", folder_.file("summary.json")};
+    if (!configuration.empty()) {
+        writeText(configurationFile(), configuration);
+        all.insert(all.end(), {"-c", configurationFile()});
+    }
     for (const std::string& setting : settings) {
         all.insert(all.end(), {"--set", setting});
     }
@@ -66,16 +70,6 @@ Finished GrabSession::run()
     const std::unique_ptr<Process> process = start();
     const int code = process->wait();
     return {code, process->standardOutput(), process->standardError()};
-}
-
-bool GrabSession::waitForFrames(Process& process, std::size_t count) const
-{
-    while (readLines(output("frames.ndjson")).size() < count) {
-        if (process.wait(std::chrono::milliseconds(5)) != -1) {
-            return false;
-        }
-    }
-    return true;
 }
 
 std::string GrabSession::output(const std::string& name) const

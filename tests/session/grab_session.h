@@ -40,7 +40,9 @@ class GrabSession {
 public:
     /// The bus that the grab sees; by default one monochrome camera.
     std::string bus = busWith(TestSensor());
-    /// Keys of the configuration, "section.key=value".
+    /// Content of the configuration file; empty = there is none.
+    std::string configuration;
+    /// Keys set over those of the file, "section.key=value".
     std::vector<std::string> settings = {"grab.frames=5"};
     /// Neither progress nor summary.
     bool quiet = true;
@@ -53,13 +55,13 @@ public:
 
     void set(const std::string& setting) { settings.push_back(setting); }
 
+    /// Path of the configuration file, which changes when a running grab is to see a change.
+    std::string configurationFile() const { return folder_.file("camera.toml"); }
+
     /// Starts kxhost; the session must outlive the process.
     std::unique_ptr<Process> start();
     /// Runs it to its end.
     Finished run();
-
-    /// Waits until at least `count` frames are complete; false when `process` ends before that.
-    bool waitForFrames(Process& process, std::size_t count) const;
 
     std::string output(const std::string& name = "") const;
     /// The metadata, one object for each exported frame.

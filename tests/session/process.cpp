@@ -60,8 +60,8 @@ Process::Process(const std::vector<std::string>& arguments,
     std::vector<std::string> environmentTexts = environmentWith(environment);
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
-    toFile(actions, STDOUT_FILENO, streams_.file("out"));
-    toFile(actions, STDERR_FILENO, streams_.file("err"));
+    toFile(actions, STDOUT_FILENO, standardOutputFile());
+    toFile(actions, STDERR_FILENO, standardErrorFile());
     const int code =
         posix_spawn(&pid_, arguments.at(0).c_str(), &actions, nullptr,
                     pointersOf(argumentTexts).data(), pointersOf(environmentTexts).data());

@@ -30,9 +30,14 @@ public:
     int wait(std::chrono::milliseconds limit = std::chrono::seconds(20));
     bool running();
 
+    pid_t pid() const { return pid_; }
+
+    /// The files that its streams go to.
+    std::string standardOutputFile() const { return streams_.file("out"); }
+    std::string standardErrorFile() const { return streams_.file("err"); }
     /// What it has printed so far.
-    std::string standardOutput() const { return readText(streams_.file("out")); }
-    std::string standardError() const { return readText(streams_.file("err")); }
+    std::string standardOutput() const { return readText(standardOutputFile()); }
+    std::string standardError() const { return readText(standardErrorFile()); }
 
 private:
     TemporaryFolder streams_;

@@ -1,5 +1,5 @@
 // Signals end a grab without losing a frame that was accepted.
-#include "grab_session.h"
+#include "live_grab.h"
 
 #include <gtest/gtest.h>
 
@@ -8,6 +8,7 @@
 namespace {
 
 using kxtest::GrabSession;
+using kxtest::LiveGrab;
 using kxtest::Process;
 
 std::string pacedBus()
@@ -23,11 +24,9 @@ TEST_P(Termination, FinishesAndWritesEveryAcceptedFrame)
 {
     GrabSession session;
     session.bus = pacedBus();
-    session.set("grab.frames=0");
-    const std::unique_ptr<Process> process = session.start();
-    ASSERT_TRUE(session.waitForFrames(*process, 10)) << process->standardError();
-    process->signal(GetParam());
-    EXPECT_EQ(process->wait(), 0) << process->standardError();
+    LiveGrab grab(session);
+    grab.waitForMoreFrames(10);
+    EXPECT_EQ(grab.finish(GetParam()), 0) << grab.process().standardError();
     kxtest::expectBalance(session);
     const auto summary = session.summary();
     EXPECT_GE(summary["exported"]["frames"], 10);
@@ -56,11 +55,9 @@ TEST(SessionSignals, FinishesAlsoWhenEveryRetrievalFails)
     GrabSession session;
     // The grab loop looks at signals behind a frame only, and no frame comes any more.
     session.bus = kxtest::busWithFault("kind = \"error\"\nframe = 4\ncount = 100000\n", true);
-    session.set("grab.frames=0");
-    const std::unique_ptr<Process> process = session.start();
-    ASSERT_TRUE(session.waitForFrames(*process, 3)) << process->standardError();
-    process->signal(SIGTERM);
-    EXPECT_EQ(process->wait(std::chrono::seconds(3)), 0) << process->standardError();
+    LiveGrab grab(session);
+    grab.waitForMoreFrames(3);
+    EXPECT_EQ(grab.finish(SIGTERM), 0) << grab.process().standardError();
     EXPECT_EQ(session.summary()["exported"]["written"], 3);
 }
 
@@ -69,13 +66,11 @@ TEST(SessionSignals, ASecondInterruptEndsAtOnce)
     GrabSession session;
     // The camera delivers nothing more, so that the first signal is not seen until the time-out.
     session.bus = kxtest::busWithFault("kind = \"stall\"\nframe = 4\n", true);
-    session.set("grab.frames=0");
-    const std::unique_ptr<Process> process = session.start();
-    ASSERT_TRUE(session.waitForFrames(*process, 3)) << process->standardError();
-    process->signal(SIGINT);
-    EXPECT_EQ(process->wait(std::chrono::milliseconds(100)), -1);
-    process->signal(SIGINT);
-    EXPECT_EQ(process->wait(std::chrono::seconds(2)), 128 + SIGINT);
+    LiveGrab grab(session);
+    grab.waitForMoreFrames(3);
+    grab.signal(SIGINT);
+    EXPECT_EQ(grab.process().wait(std::chrono::milliseconds(100)), -1);
+    EXPECT_EQ(grab.finish(SIGINT), 128 + SIGINT);
     // What is on disk is whole nevertheless.
     for (const std::string& name : session.pictures()) {
         EXPECT_TRUE(name.ends_with(".png") || name.ends_with(".part")) << name;

@@ -1,0 +1,123 @@
+// A grab that goes on until it is told to end, steered and watched from outside while it runs.
+#include "live_grab.h"
+
+#include <fstream>
+#include <stdexcept>
+
+namespace kxtest {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+/// No state of these tests takes a fraction of it, not even under a sanitizer on a busy machine.
+constexpr auto kLimit = 20s;
+/// Between two looks at the files.
+constexpr auto kLook = 2ms;
+
+} // namespace
+
+std::vector<std::string> GrowingFile::newLines()
+{
+    std::vector<std::string> lines;
+    std::ifstream file(path_, std::ios::binary);
+    file.seekg(static_cast<std::streamoff>(read_));
+    for (std::string line; std::getline(file, line) && !file.eof();) {
+        read_ += line.size() + 1;
+        lines.push_back(line);
+    }
+    return lines;
+}
+
+LiveGrab::LiveGrab(GrabSession& session)
+    : session_(session), metadata_(session.output("frames.ndjson")), log_{GrowingFile(""), {}, 0},
+      messages_{GrowingFile(""), {}, 0}
+{
+    session_.set("grab.frames=0");
+    process_ = session_.start();
+    log_.file = GrowingFile(process_->standardOutputFile());
+    messages_.file = GrowingFile(process_->standardErrorFile());
+}
+
+void LiveGrab::update()
+{
+    for (const std::string& line : metadata_.newLines()) {
+        frames_.push_back(Json::parse(line));
+    }
+    for (Stream* stream : {&log_, &messages_}) {
+        for (const std::string& line : stream->file.newLines()) {
+            stream->lines.push_back(line);
+        }
+    }
+}
+
+void LiveGrab::waitFor(const std::string& what, const std::function<bool()>& isThere)
+{
+    const auto until = std::chrono::steady_clock::now() + kLimit;
+    while (true) {
+        // What a process wrote before its end is looked at, too.
+        const bool runs = process_->running();
+        update();
+        if (isThere()) {
+            return;
+        }
+        if (!runs || std::chrono::steady_clock::now() > until) {
+            throw std::runtime_error("no " + what + (runs ? " in time" : " before the end") +
+                                     "; kxhost said:\n" + process_->standardError() +
+                                     process_->standardOutput());
+        }
+        process_->wait(kLook);
+    }
+}
+
+void LiveGrab::waitForMoreFrames(std::size_t count)
+{
+    const std::size_t wanted = frames_.size() + count;
+    waitFor(std::to_string(count) + " frames more", [&] { return frames_.size() >= wanted; });
+}
+
+LiveGrab::Json LiveGrab::waitForFrame(const std::string& what, const Wanted& wanted)
+{
+    waitFor(what, [&] {
+        while (nextFrame_ < frames_.size()) {
+            if (wanted(frames_[nextFrame_++])) {
+                return true;
+            }
+        }
+        return false;
+    });
+    return frames_[nextFrame_ - 1];
+}
+
+std::string LiveGrab::waitForLine(Stream& stream, const std::string& part)
+{
+    waitFor("line \"" + part + "\"", [&] {
+        while (stream.next < stream.lines.size()) {
+            if (stream.lines[stream.next++].find(part) != std::string::npos) {
+                return true;
+            }
+        }
+        return false;
+    });
+    return stream.lines[stream.next - 1];
+}
+
+std::string LiveGrab::waitForLog(const std::string& part)
+{
+    return waitForLine(log_, part);
+}
+
+std::string LiveGrab::waitForMessage(const std::string& part)
+{
+    return waitForLine(messages_, part);
+}
+
+int LiveGrab::finish(int number)
+{
+    signal(number);
+    const int code = process_->wait(kLimit);
+    update();
+    return code;
+}
+
+} // namespace kxtest
