@@ -37,14 +37,12 @@ bool readState(CExCam& cam, LUTData& state)
     return true;
 }
 
-void switchOff(CExCam& cam, const LUTData& state)
+void switchOff(CExCam& cam)
 {
-    if (state.enabled) {
-        const Error error = cam.EnableLUT(false);
-        if (error != PGRERROR_OK) {
-            KX_LOG_W_AS(kCaller, "can't disable LUT follow configuration: error - %s\n",
-                        error.GetDescription());
-        }
+    const Error error = cam.EnableLUT(false);
+    if (error != PGRERROR_OK) {
+        KX_LOG_W_AS(kCaller, "can't disable LUT follow configuration: error - %s\n",
+                    error.GetDescription());
     }
     KX_LOG_I("  LUT is disabled due to configuration\n");
 }
@@ -147,10 +145,10 @@ void CCamProc::ProcParametrizeCamManLUT(CExCam* cam, bool dynamic)
     if (!readState(*cam, state)) {
         return;
     }
-    if (source == nullptr) {
-        switchOff(*cam, state);
-    } else {
+    if (source != nullptr) {
         apply(*this, *cam, source, dynamic, state);
+    } else if (state.enabled) {
+        switchOff(*cam);
     }
 }
 
