@@ -1,5 +1,6 @@
 // kxhost grab: from the configuration to the summary.
 #include "commands.h"
+#include "config_hints.h"
 #include "export_summary.h"
 #include "grab_run.h"
 #include "progress.h"
@@ -120,6 +121,11 @@ int commandGrab(const CommandLine& commandLine)
     Configuration configuration;
     if (!configure(commandLine, configuration)) {
         return giveUp(commandLine, kExitConfiguration, "The configuration was refused.");
+    }
+    if (!commandLine.quiet) {
+        for (const std::string& hint : hintsOn(configuration)) {
+            complain("hint: " + hint);
+        }
     }
     const Settings& settings = services().settings = configuration.settings;
     blockTerminationSignals();

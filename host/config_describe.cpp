@@ -1,20 +1,27 @@
 // Prints a configuration: every key with what is in force, as a file that could be read again.
 #include "config.h"
+#include "config_hints.h"
+#include "config_meaning.h"
 #include "config_value.h"
-
-#include <algorithm>
 
 namespace kxhost {
 namespace {
 
+/// One key: its value with its meaning beside it, or a comment that says what holds without it.
 void describeKey(Configuration& configuration, const Key& key, std::size_t index, std::string& text)
 {
     const bool given = findGiven(configuration, key.section, key.name, index) != nullptr;
-    if (given) {
-        text.append(key.name).append(" = ");
-        text.append(valueText(key.rule, key.slot(configuration.settings, index))).append("\n");
-    } else {
-        text.append("# ").append(key.name).append(": ").append(key.absent).append("\n");
+    const std::string meaning = meaningOf(configuration, key, index);
+    if (!given) {
+        text.append("# ").append(key.name).append(": ").append(meaning).append("\n");
+        return;
+    }
+    text.append(key.name).append(" = ");
+    text.append(valueText(key.rule, key.slot(configuration.settings, index)));
+    text.append(meaning.empty() ? "" : "  # ").append(meaning).append("\n");
+    const std::string hint = hintOn(configuration, key);
+    if (!hint.empty()) {
+        text.append("#   hint: ").append(key.name).append(" ").append(hint).append("\n");
     }
 }
 

@@ -95,7 +95,8 @@ std::string allowed(const NumberRule& rule)
 std::string text(const NumberRule& rule, const Slot& slot)
 {
     const std::string value = formatQuantity(loadNumber(slot), rule.dimension);
-    return rule.dimension == Dimension::kNone ? value : tomlText(value);
+    const bool hasUnit = value.find(' ') != std::string::npos;
+    return hasUnit ? tomlText(value) : value;
 }
 
 // ---- Words.

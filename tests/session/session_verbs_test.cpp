@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <ostream>
 
 namespace {
@@ -43,6 +44,36 @@ TEST(SessionVerbs, VersionNamesProgramAndPlugin)
     EXPECT_TRUE(holds(finished.out, "0.37.28-")) << finished.out;
 }
 
+TEST(SessionVerbs, VersionIsAnOptionToo)
+{
+    const Finished verb = run({kxhostPath(), "version"});
+    const Finished option = run({kxhostPath(), "--version"});
+    EXPECT_EQ(option.code, 0) << option.err;
+    EXPECT_EQ(option.out, verb.out);
+    EXPECT_TRUE(holds(option.out, "\nplug-in 0.37.28-")) << option.out;
+}
+
+/// kxhost and the plug-in alone, away from the simulated cameras.
+TEST(SessionVerbs, VersionNeedsNoSimulation)
+{
+    const TemporaryFolder folder;
+    for (const char* piece : {"kxhost", "libdriver-pointgrey.so"}) {
+        std::filesystem::copy_file(std::filesystem::path(kxhostPath()).parent_path() / piece,
+                                   folder.file(piece));
+    }
+    const std::string kxhost = folder.file("kxhost");
+    for (const char* asked : {"version", "--version"}) {
+        const Finished finished = run({kxhost, asked});
+        EXPECT_EQ(finished.code, 0) << finished.err;
+        EXPECT_TRUE(holds(finished.out, "kxhost 0.37.28\nplug-in not loaded, as there is no camera "
+                                        "library\n"))
+            << finished.out;
+    }
+    const Finished named = run({kxhost, "version", "--camera-library", "/no/such.so"});
+    EXPECT_EQ(named.code, 9);
+    EXPECT_TRUE(holds(named.err, "/no/such.so")) << named.err;
+}
+
 TEST(SessionVerbs, HelpTeaches)
 {
     const Finished finished = run({kxhostPath(), "--help"});
@@ -63,6 +94,50 @@ TEST(SessionVerbs, CheckPrintsWhatIsInForce)
     EXPECT_TRUE(holds(finished.out, "frame_rate")) << finished.out;
     EXPECT_TRUE(holds(finished.out, "25")) << finished.out;
     EXPECT_TRUE(holds(finished.out, "320")) << finished.out;
+}
+
+TEST(SessionVerbs, CheckSaysWhatAValueMeansAndWhatHasNoEffect)
+{
+    const Finished finished = run({kxhostPath(), "check", "--set", "acquisition.gamma=1", "--set",
+                                   "acquisition.exposure_mode=auto", "--set",
+                                   "acquisition.exposure=20 ms", "--set", "lut.curve=invert"});
+    EXPECT_EQ(finished.code, 0) << finished.err;
+    EXPECT_TRUE(holds(finished.out, "# the camera's gamma is switched off")) << finished.out;
+    EXPECT_TRUE(holds(finished.out, "# 512 values of 9 bits from curve invert")) << finished.out;
+    EXPECT_TRUE(holds(finished.out, "#   hint: exposure has no effect")) << finished.out;
+    EXPECT_EQ(finished.err, "");
+}
+
+TEST(SessionVerbs, GrabHintsAtWhatHasNoEffect)
+{
+    const std::vector<std::string> words = {kxhostPath(), "grab",  "--simulate",         "-n",
+                                            "1",          "--set", "auto.brightness=0.5"};
+    const Finished finished = run(words);
+    EXPECT_EQ(finished.code, 0) << finished.err;
+    EXPECT_TRUE(holds(finished.err, "kxhost: hint: --set auto.brightness=0.5: auto.brightness = "
+                                    "0.5: has no effect"))
+        << finished.err;
+    std::vector<std::string> quietly = words;
+    quietly.emplace_back("--quiet");
+    EXPECT_EQ(run(quietly).err, "");
+}
+
+TEST(SessionVerbs, AFolderMayBeCalledLikeADate)
+{
+    const TemporaryFolder folder;
+    const std::string name = "2024-05-01";
+    const Finished finished = run({"/usr/bin/env", "--chdir=" + folder.path().string(),
+                                   kxhostPath(), "grab", "--simulate", "-n", "1", "-o", name});
+    EXPECT_EQ(finished.code, 0) << finished.err;
+    EXPECT_TRUE(std::filesystem::exists(folder.path() / name / "frame_000001.png"));
+}
+
+TEST(SessionVerbs, APrefixWithASlashIsAMistakeOfTheConfiguration)
+{
+    const Finished finished =
+        run({kxhostPath(), "grab", "--simulate", "-n", "1", "--set", "output.prefix=a/b"});
+    EXPECT_EQ(finished.code, 3);
+    EXPECT_TRUE(holds(finished.err, "without slashes")) << finished.err;
 }
 
 struct BrokenCase {
@@ -97,6 +172,10 @@ INSTANTIATE_TEST_SUITE_P(
             "UnknownSection", "[aquisition]\nframe_rate = 25\n", {"c.toml:1", "acquisition"}},
         BrokenCase{"ImpossibleValue", "\n[acquisition]\nframe_rate = -5\n", {"c.toml:3"}},
         BrokenCase{"WrongWord", "[format]\npixel_format = \"mono9\"\n", {"c.toml:2", "mono8"}},
+        BrokenCase{"LowWithoutHigh", "[auto]\ngain_min = 3\n", {"c.toml:2", "gain_max", "3 dB"}},
+        BrokenCase{
+            "NoSuchTable", "[lut]\nfile = \"no.txt\"\n", {"c.toml:2", "/no.txt: does not exist"}},
+        BrokenCase{"SlashInPrefix", "[output]\nprefix = \"a/b\"\n", {"c.toml:2", "slashes"}},
         BrokenCase{"NoToml", "[format\n", {"c.toml:1"}}),
     [](const auto& each) { return std::string(each.param.name); });
 

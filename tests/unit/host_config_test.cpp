@@ -364,28 +364,6 @@ TEST(Config, AutomaticLimitsEndWhereTheCamerasRegistersDo)
               "40950 us, with its unit (us, ns, ms, s, min)");
 }
 
-TEST(Config, DescribesWhatIsInForceSoThatItCanBeReadAgain)
-{
-    const Configuration first =
-        good("[acquisition]\nexposure = \"10 ms\"\n[output]\nformat = \"raw\"\nfolder = \"x\"\n"
-             "[[iobox]]\npin = \"gpio1\"\n");
-    const std::string text = describeConfiguration(first);
-    EXPECT_NE(text.find("exposure = \"10000 us\"\n"), std::string::npos) << text;
-    EXPECT_NE(text.find("# gain: kept as the camera has it\n"), std::string::npos) << text;
-    EXPECT_EQ(describeConfiguration(good(text)), text);
-}
-
-TEST(Config, DescribedTextsReadBackAsTheyWere)
-{
-    const std::string odd = "a \"b\" \\ c\t";
-    Configuration first;
-    ASSERT_TRUE(read("[camera]\nmodel = 'a \"b\" \\ c\t'\n", first).empty());
-    ASSERT_EQ(first.settings.model, odd);
-    const std::string text = describeConfiguration(first);
-    EXPECT_NE(text.find(R"(model = "a \"b\" \\ c\t")"), std::string::npos) << text;
-    EXPECT_EQ(good(text).settings.model, odd);
-}
-
 TEST(Config, AMissingFileIsOneSentence)
 {
     Configuration result;
