@@ -79,8 +79,12 @@ public:
         addList();
         addCheck();
         addVersion();
+        app_.add_flag_callback(
+            "--version", [] { throw CLI::CallForVersion(); }, "The same as the verb version");
         try {
             app_.parse(argc, argv);
+        } catch (const CLI::CallForVersion&) {
+            result_.verb = Verb::kVersion;
         } catch (const CLI::Success& success) {
             return {std::nullopt, app_.exit(success)};
         } catch (const CLI::ParseError& mistake) {

@@ -103,9 +103,6 @@ private:
 
 std::string ExportQueue::Impl::start()
 {
-    if (settings_.prefix.find('/') != std::string::npos) {
-        return "The prefix of the pictures' names, \"" + settings_.prefix + "\", holds a slash.";
-    }
     if (!settings_.folder.empty()) {
         if (std::string error = prepareFolder(settings_.folder); !error.empty()) {
             return error;

@@ -28,7 +28,7 @@ enum class BayerPicture {
 
 struct ExportSettings {
     std::string folder;            ///< created when it is missing; empty = nothing goes to disk
-    std::string prefix = "frame_"; ///< file names: prefix, number of 6 digits, extension
+    std::string prefix = "frame_"; ///< without slashes; file names: prefix, number, extension
     PictureFormat format = PictureFormat::kPng;
     BayerPicture bayer = BayerPicture::kColour;
     int compression = 1;         ///< PNG only: 0 (none, fastest) to 9 (smallest)

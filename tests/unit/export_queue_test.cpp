@@ -269,14 +269,6 @@ TEST(ExportQueue, AFolderThatCannotBeMadeStopsTheStart)
               "Cannot create the folder " + settings.folder + ": Not a directory.");
 }
 
-TEST(ExportQueue, APrefixIsNoPath)
-{
-    ExportSettings settings;
-    settings.prefix = "a/b";
-    EXPECT_EQ(ExportQueue(settings).start(),
-              "The prefix of the pictures' names, \"a/b\", holds a slash.");
-}
-
 TEST(ExportQueue, WithoutFolderFramesAreCountedOnly)
 {
     ExportSettings settings;
