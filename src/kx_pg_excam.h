@@ -28,10 +28,11 @@ struct PropertyEntry {
 /// Status of the property operations.
 enum ExStatus : int {
     kExOk = 0,
-    kExNoInfo = -1,     ///< the camera did not tell about the property
-    kExAbsent = -2,     ///< the camera has no such property
-    kExReadFailed = -3, ///< reading failed
-    kExWriteFailed = -4 ///< writing failed
+    kExNoInfo = -1,      ///< the camera did not tell about the property
+    kExAbsent = -2,      ///< the camera has no such property
+    kExReadFailed = -3,  ///< reading failed
+    kExWriteFailed = -4, ///< writing failed
+    kExOutOfBounds = -5  ///< refused before the camera was asked to change anything
 };
 
 /// A camera of the SDK's with more to it. The property operations take any type number; the entry
@@ -71,6 +72,16 @@ public:
     KX_API int ExPropertySetAutoOff(FlyCapture2::PropertyType type);
     KX_API int ExPropertySetAutoOnce(FlyCapture2::PropertyType type);
     KX_API int ExPropertySetAutoCont(FlyCapture2::PropertyType type);
+    /// Limits of automatic gain, in dB, into the camera's register: `kExOk`, `kExAbsent` no such
+    /// register, or `kExOutOfBounds` of GAIN's range. A refused write stays unnoticed.
+    KX_API int ExPropertySetAutoRangeGain(float minDb, float maxDb);
+    /// Limits of automatic exposure, in microseconds; as for gain, with SHUTTER's range.
+    KX_API int ExPropertySetAutoRangeExpo(float minUs, float maxUs);
+    /// Target of the automatic functions: a level between 0 and 1, both excluded
+    /// (`kExOutOfBounds`), one half for 0 EV. Switches AUTO_EXPOSURE to manual absolute control.
+    KX_API int ExSetAutoExpoVal(float level);
+    /// Switches AUTO_EXPOSURE on or off, in manual mode.
+    KX_API int ExSetAutoExpoEna(bool on);
     /// The Bayer tile as four letters, first letter in the highest byte; 0 when it cannot be read.
     KX_API unsigned int ExGetBayerFormat();
 

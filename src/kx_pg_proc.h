@@ -36,6 +36,13 @@ enum ChunkBit : std::uint32_t {
     kChunkFrameCounter = 8,
 };
 
+/// Who sets a value: modes of gain, exposure time and look-up table in the host's configuration.
+enum SweepMode : std::uint32_t {
+    kSweepKept = 0,
+    kSweepManual = 1,
+    kSweepAutomatic = 2,
+};
+
 /// Releases blocks from malloc.
 struct FreeBlock {
     void operator()(void* block) const { std::free(block); }
@@ -95,6 +102,30 @@ public:
     /// 1 = the configured width or height is not the camera's current one, else 0.
     KX_API int ProcCheckCfgCamAoi(CExCam* cam);
 
+    // ---- Appliers: each carries one group of configured values to the camera. A value that stands
+    // ---- for "as it is" is left alone, one out of the camera's range is warned of and skipped.
+
+    /// Frame rate.
+    KX_API void ProcParametrizeCamFps(CExCam* cam);
+    /// Rotation by the host's conversion; the camera takes no part.
+    KX_API void ProcParametrizeCamRotate(CExCam* cam);
+    /// Saturation.
+    KX_API void ProcParametrizeCamSatur(CExCam* cam);
+    /// White balance, red and blue. Values out of range reach the camera's object all the same,
+    /// which keeps what is in force of each.
+    KX_API void ProcParametrizeCamWB(CExCam* cam);
+    /// Target level and limits of the automatic functions.
+    KX_API void ProcParametrizeCamAutoFuncParams(CExCam* cam);
+    /// Who controls gain and exposure, `SweepMode`; `profile` 1 switches auto exposure on. The
+    /// camera is told only when a mode changes, and only once.
+    KX_API void ProcParametrizeCamAutoFunc(CExCam* cam, std::uint32_t profile,
+                                           std::uint32_t gainMode, std::uint32_t expoMode);
+    /// Gain and exposure time of the manual modes.
+    KX_API void ProcParametrizeCamManGain(CExCam* cam);
+    KX_API void ProcParametrizeCamManExpo(CExCam* cam);
+    /// Gamma; a gamma of 1 switches the camera's off.
+    KX_API void ProcParametrizeCamGamma(CExCam* cam);
+
     // ---- Frame memory and conversion.
 
     /// Sets up the host's frame memory for `count` buffers, and the conversion when one is
@@ -133,8 +164,8 @@ public:
     float curSaturation = 0;
     std::uint32_t curWbRed = 0;
     std::uint32_t curWbBlue = 0;
-    std::uint32_t gainModeApplied = 0;
-    std::uint32_t expoModeApplied = 0;
+    std::uint32_t gainModeApplied = 0;  ///< `SweepMode` last told to the camera
+    std::uint32_t expoModeApplied = 0;  ///< the same of the exposure time
     std::uint32_t stride = 0;           ///< bytes of an image line
     std::uint32_t activeFrameSize = 0;  ///< bytes of a frame without padding
     std::uint32_t gBufferFrameSize = 0; ///< bytes of a raw frame's buffer, padded for the bus

@@ -13,6 +13,47 @@ namespace KxPGrey {
 
 namespace {
 
+/// Who sets what, as the host has it at this pass.
+struct Sweep {
+    std::uint32_t profile;
+    std::uint32_t gainMode;
+    std::uint32_t expoMode;
+    std::uint32_t lutMode;
+};
+
+Sweep readSweep()
+{
+    return {static_cast<std::uint32_t>(KxGiMainCtx__GetSweepProf()),
+            static_cast<std::uint32_t>(KxGiMainCtx__GetSweepGainMod()),
+            static_cast<std::uint32_t>(KxGiMainCtx__GetSweepEtimeMod()),
+            static_cast<std::uint32_t>(KxGiMainCtx__GetSweepLutMod())};
+}
+
+/// What a running capture takes, too. The automatic functions let go before a manual value is set.
+void applyLive(CCamProc& proc, CExCam& cam, bool dynamic)
+{
+    if (proc.isColor) {
+        proc.ProcParametrizeCamSatur(&cam);
+        proc.ProcParametrizeCamWB(&cam);
+    }
+    const Sweep sweep = readSweep();
+    if (!dynamic && (sweep.gainMode == kSweepAutomatic || sweep.expoMode == kSweepAutomatic)) {
+        proc.ProcParametrizeCamAutoFuncParams(&cam);
+    }
+    proc.ProcParametrizeCamAutoFunc(&cam, sweep.profile, sweep.gainMode, sweep.expoMode);
+    if (sweep.gainMode == kSweepManual) {
+        proc.ProcParametrizeCamManGain(&cam);
+    }
+    if (sweep.expoMode == kSweepManual) {
+        proc.ProcParametrizeCamManExpo(&cam);
+    }
+    if (sweep.lutMode == kSweepManual) {
+        proc.ProcParametrizeCamManLUT(&cam, false);
+    }
+    proc.ProcParametrizeCamGamma(&cam);
+    // The output lines join here.
+}
+
 /// The camera's rate, as it is after all parameters are applied.
 void refreshRate(CCamProc& proc, CExCam& cam)
 {
@@ -58,9 +99,6 @@ void refreshTimestampMode(CCamProc& proc)
     }
 }
 
-/// Sweep mode in which the host's configuration holds the value.
-constexpr int kManual = 1;
-
 } // namespace
 
 int CCamProc::ProcParametrizeCam(CExCam* cam, bool dynamic)
@@ -73,14 +111,10 @@ int CCamProc::ProcParametrizeCam(CExCam* cam, bool dynamic)
         if (const int result = ProcCheckCfgCamAoi(cam); result != 0) {
             return result;
         }
-        // Frame rate and rotation join here.
+        ProcParametrizeCamFps(cam);
+        ProcParametrizeCamRotate(cam);
     }
-    // The parameters that a running capture takes join here: saturation and white balance (colour
-    // only), the automatic functions by the host's sweep modes, manual gain and exposure.
-    if (KxGiMainCtx__GetSweepLutMod() == kManual) {
-        ProcParametrizeCamManLUT(cam, false);
-    }
-    // Gamma and the output lines join here.
+    applyLive(*this, *cam, dynamic);
     if (!dynamic) {
         refreshRate(*this, *cam);
         refreshGeometry(*this, *cam);

@@ -104,6 +104,21 @@ Error ScriptedCamera::ReadRegister(unsigned int address, unsigned int* value)
     return error;
 }
 
+Error ScriptedCamera::WriteRegister(unsigned int address, unsigned int value, bool broadcast)
+{
+    broadcasts = broadcasts || broadcast;
+    return CExCam::WriteRegister(address, value, broadcast);
+}
+
+Error ScriptedCamera::GetPropertyInfo(FlyCapture2::PropertyInfo* info)
+{
+    const Error error = CExCam::GetPropertyInfo(info);
+    if (onGetPropertyInfo) {
+        onGetPropertyInfo(*info);
+    }
+    return error;
+}
+
 Error ScriptedCamera::GetProperty(FlyCapture2::Property* property)
 {
     const Error error = CExCam::GetProperty(property);
@@ -120,6 +135,7 @@ Error ScriptedCamera::GetProperty(FlyCapture2::Property* property)
 Error ScriptedCamera::SetProperty(const FlyCapture2::Property* property, bool broadcast)
 {
     written.push_back(*property);
+    broadcasts = broadcasts || broadcast;
     return CExCam::SetProperty(property, broadcast);
 }
 

@@ -58,12 +58,14 @@ public:
     std::optional<FlyCapture2::TimeStamp> timeStamp;
     /// Absolute values of properties.
     std::map<FlyCapture2::PropertyType, float> absValues;
-    /// Called with each property that was read: changes it on its way.
+    /// Called with each property that was asked for or read: changes it on its way.
+    std::function<void(FlyCapture2::PropertyInfo&)> onGetPropertyInfo;
     std::function<void(FlyCapture2::Property&)> onGetProperty;
 
     // ---- What the camera was told.
 
     std::vector<FlyCapture2::Property> written;
+    bool broadcasts = false; ///< whether one of the writes went to all cameras of the bus
     std::vector<FlyCapture2::FC2Config> configurations;
     std::vector<FlyCapture2::Format7ImageSettings> format7;
     std::vector<unsigned> packetSizes;
@@ -74,7 +76,10 @@ public:
     FlyCapture2::Error RetrieveBuffer(FlyCapture2::Image* image) override;
     FlyCapture2::Error StartCapture(FlyCapture2::ImageEventCallback callback,
                                     const void* data) override;
+    FlyCapture2::Error WriteRegister(unsigned int address, unsigned int value,
+                                     bool broadcast) override;
     FlyCapture2::Error ReadRegister(unsigned int address, unsigned int* value) override;
+    FlyCapture2::Error GetPropertyInfo(FlyCapture2::PropertyInfo* info) override;
     FlyCapture2::Error GetProperty(FlyCapture2::Property* property) override;
     FlyCapture2::Error SetProperty(const FlyCapture2::Property* property, bool broadcast) override;
     FlyCapture2::Error SetConfiguration(const FlyCapture2::FC2Config* config) override;
