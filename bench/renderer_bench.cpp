@@ -55,4 +55,24 @@ void addCases(benchmark::internal::Benchmark* bench)
 
 BENCHMARK(renderChart)->Apply(addCases);
 
+/// What the metering adds to a frame that is made, too.
+void meterChart(benchmark::State& state)
+{
+    fcsim::SensorSettings sensor;
+    sensor.colour = state.range(0) != 0;
+    sensor.tile = sensor.colour ? RGGB : NONE;
+    sensor.width = 1280;
+    sensor.height = 1024;
+    fcsim::Renderer renderer(fcsim::SceneSettings{}, sensor);
+    fcsim::FrameRequest request;
+    request.width = sensor.width;
+    request.height = sensor.height;
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(renderer.exposedMean(request));
+    }
+    state.SetLabel(sensor.colour ? "colour" : "mono");
+}
+
+BENCHMARK(meterChart)->Arg(0)->Arg(1)->Unit(benchmark::kMicrosecond);
+
 } // namespace

@@ -68,6 +68,10 @@ void readSensor(TableReader& table, CameraDescription& camera)
     table.integer("width", sensor.width, 16, kMaxSize);
     table.integer("height", sensor.height, 16, kMaxSize);
     table.integer("bit_depth", sensor.bitDepth, 8, 12);
+    table.number("full_well", sensor.fullWell, 100, 1e9);
+    table.flag("noise", sensor.noise);
+    table.number("read_noise", sensor.readNoise, 0, 1e6);
+    table.integer("noise_seed", sensor.noiseSeed, 0, INT64_MAX);
     table.flag("colour", sensor.colour);
     sensor.tile = sensor.colour ? RGGB : NONE;
     table.choice("bayer_tile", sensor.tile, kTiles);
@@ -208,6 +212,7 @@ void readScene(TableReader& table, CameraDescription& camera, const std::filesys
     std::string path;
     table.text("path", path);
     table.number("brightness", camera.scene.brightness, 1e-6, 1e6);
+    table.number("reference_exposure_us", camera.scene.referenceExposureUs, 1, kHourUs);
     if (!path.empty()) {
         camera.scene.path = folder / path;
     }

@@ -14,43 +14,49 @@ Level fromByte(int value)
     return static_cast<Level>(std::clamp(value, 0, 255) << 8);
 }
 
+/// Fills one plane with what `convert` makes of the three levels of each pixel. One plane at a
+/// time, as loops over six planes are too much for compilers to turn into vector code.
+template <class Convert>
+void fillPlane(const RowView& row, Level* out, const Convert& convert)
+{
+    const auto [first, second, third] = row.plane;
+    for (unsigned x = 0; x < row.width; ++x) {
+        out[x] = convert(first[x], second[x], third[x]);
+    }
+}
+
 void rgbToGrey(const RowView& row, Row& out)
 {
-    const auto [red, green, blue] = row.plane;
-    Level* grey = out.plane(0);
-    for (unsigned x = 0; x < row.width; ++x) {
-        grey[x] = luma(red[x], green[x], blue[x]);
-    }
+    fillPlane(row, out.plane(0), luma);
 }
 
 void rgbToYuv(const RowView& row, Row& out)
 {
-    Level* luminance = out.plane(0);
-    Level* blueness = out.plane(1);
-    Level* redness = out.plane(2);
-    for (unsigned x = 0; x < row.width; ++x) {
-        const int red = row.plane[0][x] >> 8;
-        const int green = row.plane[1][x] >> 8;
-        const int blue = row.plane[2][x] >> 8;
-        luminance[x] = fromByte((77 * red + 150 * green + 29 * blue) >> 8);
-        blueness[x] = fromByte(((-43 * red - 85 * green + 128 * blue + 128) >> 8) + 128);
-        redness[x] = fromByte(((128 * red - 107 * green - 21 * blue + 128) >> 8) + 128);
-    }
+    fillPlane(row, out.plane(0), [](Level red, Level green, Level blue) {
+        return fromByte((77 * (red >> 8) + 150 * (green >> 8) + 29 * (blue >> 8)) >> 8);
+    });
+    fillPlane(row, out.plane(1), [](Level red, Level green, Level blue) {
+        const int sum = -43 * (red >> 8) - 85 * (green >> 8) + 128 * (blue >> 8);
+        return fromByte(((sum + 128) >> 8) + 128);
+    });
+    fillPlane(row, out.plane(2), [](Level red, Level green, Level blue) {
+        const int sum = 128 * (red >> 8) - 107 * (green >> 8) - 21 * (blue >> 8);
+        return fromByte(((sum + 128) >> 8) + 128);
+    });
 }
 
 void yuvToRgb(const RowView& row, Row& out)
 {
-    Level* red = out.plane(0);
-    Level* green = out.plane(1);
-    Level* blue = out.plane(2);
-    for (unsigned x = 0; x < row.width; ++x) {
-        const int luminance = row.plane[0][x] >> 8;
-        const int blueness = (row.plane[1][x] >> 8) - 128;
-        const int redness = (row.plane[2][x] >> 8) - 128;
-        red[x] = fromByte(luminance + ((359 * redness + 128) >> 8));
-        green[x] = fromByte(luminance - ((88 * blueness + 183 * redness + 128) >> 8));
-        blue[x] = fromByte(luminance + ((454 * blueness + 128) >> 8));
-    }
+    fillPlane(row, out.plane(0), [](Level luminance, Level, Level redness) {
+        return fromByte((luminance >> 8) + ((359 * ((redness >> 8) - 128) + 128) >> 8));
+    });
+    fillPlane(row, out.plane(1), [](Level luminance, Level blueness, Level redness) {
+        const int colour = 88 * ((blueness >> 8) - 128) + 183 * ((redness >> 8) - 128);
+        return fromByte((luminance >> 8) - ((colour + 128) >> 8));
+    });
+    fillPlane(row, out.plane(2), [](Level luminance, Level blueness, Level) {
+        return fromByte((luminance >> 8) + ((454 * ((blueness >> 8) - 128) + 128) >> 8));
+    });
 }
 
 } // namespace

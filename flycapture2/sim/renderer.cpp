@@ -1,15 +1,15 @@
 // The picture side of a simulated camera: from a scene in front of the sensor to packed frames.
 #include "renderer.h"
 
-#include "pixel_bayer.h"
+#include "metering.h"
 #include "pixel_codec.h"
 #include "scene.h"
+#include "sensor_response.h"
 
 #include <algorithm>
-#include <array>
-#include <cmath>
 #include <cstring>
-#include <utility>
+#include <optional>
+#include <span>
 #include <vector>
 
 namespace fcsim {
@@ -18,25 +18,6 @@ namespace {
 
 /// Pixels that share bytes or colour in any format: regions are packed in multiples of it.
 constexpr int kPackingStep = 4;
-
-/// Points that the metering looks at.
-constexpr int kMeteringColumns = 64;
-constexpr int kMeteringRows = 48;
-
-/// The sensor's answer to light: level of the scene to level in the frame, in 12-bit steps. All
-/// that a sensor does to brightness belongs into this table.
-using Response = std::array<Level, 4096>;
-
-Response makeResponse(double brightness, unsigned bitDepth)
-{
-    const unsigned kept = 0xFFFFU << (16 - std::clamp(bitDepth, 8U, 12U));
-    Response response{};
-    for (std::size_t light = 0; light < response.size(); ++light) {
-        const double level = std::min(std::round(static_cast<double>(light) * brightness), 4095.0);
-        response[light] = static_cast<Level>(static_cast<unsigned>(level) << 4 & kept);
-    }
-    return response;
-}
 
 Rect regionOf(const FrameRequest& request)
 {
@@ -67,20 +48,27 @@ bool isWhole(std::span<const Rect> areas, const Rect& region)
     });
 }
 
-bool samePlace(const FrameRequest& first, const FrameRequest& second)
+/// True when a frame shows the same as another wherever the scene does not change.
+bool sameStill(const FrameRequest& first, const FrameRequest& second)
 {
     return first.format == second.format && first.offsetX == second.offsetX &&
            first.offsetY == second.offsetY && first.width == second.width &&
-           first.height == second.height;
+           first.height == second.height && first.state == second.state;
+}
+
+/// True when the scene looks the same in two frames. It shows number, exposure and gain.
+bool samePainting(const FrameRequest& first, const FrameRequest& second)
+{
+    return first.number == second.number && first.state.shutterUs == second.state.shutterUs &&
+           first.state.gainDb == second.state.gainDb;
 }
 
 } // namespace
 
 class Renderer::Impl {
 public:
-    Impl(SceneSettings scene, SensorSettings sensor)
-        : settings_(std::move(scene)), sensor_(std::move(sensor)),
-          response_(makeResponse(settings_.brightness, sensor_.bitDepth))
+    Impl(const SceneSettings& scene, const SensorSettings& sensor)
+        : settings_(scene), sensor_(sensor), response_(scene, sensor)
     {
         if (settings_.kind == SceneKind::pictures) {
             scene_ = makeScene(settings_, sensor_);
@@ -92,14 +80,13 @@ public:
         if (settings_.kind == SceneKind::none) {
             return;
         }
-        if (scene_ == nullptr) {
-            scene_ = makeScene(settings_, sensor_);
-        }
-        const std::span<const Rect> changing = scene_->paint(request);
+        const std::span<const Rect> changing = begin(request);
         const Rect region = regionOf(request);
-        if (!isWhole(changing, region)) {
-            copyStill(request, region, out);
+        if (!response_.pointwise() || isWhole(changing, region)) {
+            pack(request, region, region, out);
+            return;
         }
+        copyStill(request, region, out);
         for (const Rect& area : changing) {
             pack(request, region, packable(area, region), out);
         }
@@ -110,40 +97,31 @@ public:
         if (settings_.kind == SceneKind::none) {
             return 0;
         }
-        if (scene_ == nullptr) {
-            scene_ = makeScene(settings_, sensor_);
-        }
-        scene_->paint(request);
-        const SensorState& state = request.state;
-        const double factor = settings_.brightness * static_cast<double>(state.shutterUs) / 8000 *
-                              std::pow(10.0, static_cast<double>(state.gainDb) / 20);
-        const double black = static_cast<double>(state.brightnessPercent) / 100;
-        double sum = 0;
-        for (int y = 0; y < kMeteringRows; ++y) {
-            for (int x = 0; x < kMeteringColumns; ++x) {
-                sum += std::min(lightAt(request, x, y) * factor + black, 1.0);
-            }
-        }
-        return sum / (kMeteringRows * kMeteringColumns);
+        begin(request);
+        return meteredMean(scene_->canvas(), regionOf(request), response_);
     }
 
 private:
-    /// Light, 0 to 1, at a point of the metering's grid.
-    double lightAt(const FrameRequest& request, int x, int y)
+    /// Paints the scene, unless it was metered just now, and sets the response for a frame. Returns
+    /// what changes in the scene.
+    std::span<const Rect> begin(const FrameRequest& request)
     {
-        const Rect region = regionOf(request);
-        const RowView light =
-            scene_->canvas().row(region.x + region.width * (2 * x + 1) / (2 * kMeteringColumns),
-                                 region.y + region.height * (2 * y + 1) / (2 * kMeteringRows), 1);
-        return rowInSpace(light, Space::grey, inSpace_).plane[0][0] / 65535.0;
+        if (scene_ == nullptr) {
+            scene_ = makeScene(settings_, sensor_);
+        }
+        response_.begin(request);
+        if (!painted_ || !samePainting(*painted_, request)) {
+            changing_ = scene_->paint(request);
+            painted_ = request;
+        }
+        return changing_;
     }
 
-    /// Fills `out` with the last frame packed for this format and region: right outside of the
-    /// regions that change.
+    /// Fills `out` with the last frame packed alike: right outside of the regions that change.
     void copyStill(const FrameRequest& request, const Rect& region, std::uint8_t* out)
     {
         const std::size_t size = packedSize(request.format, request.width, request.height);
-        if (!samePlace(request, still_) || stillFrame_.empty()) {
+        if (!sameStill(request, still_) || stillFrame_.empty()) {
             stillFrame_.resize(size);
             pack(request, region, region, stillFrame_.data());
             still_ = request;
@@ -158,39 +136,20 @@ private:
         const auto left = static_cast<unsigned>(area.x - region.x);
         std::uint8_t* corner = out + packedRowSize(request.format, left);
         for (int y = area.y; y < area.bottom(); ++y) {
-            const RowView light = scene_->canvas().row(area.x, y, area.width);
-            const RowView sensed = sense(light, request.format, area.x, y);
-            codec.encode(rowInSpace(sensed, codec.space, inSpace_),
+            const RowView row = response_.develop(scene_->canvas(), area.x, y, area.width);
+            codec.encode(rowInSpace(row, codec.space, inSpace_),
                          corner + static_cast<std::size_t>(y - region.y) * rowSize);
         }
     }
 
-    /// What the sensor makes of a row of light: filtered by the tile for RAW formats, through the
-    /// response.
-    RowView sense(const RowView& light, FlyCapture2::PixelFormat format, int x, int y)
-    {
-        RowView seen = light;
-        if (light.space == Space::rgb && isRawFormat(format) && sensor_.tile != FlyCapture2::NONE) {
-            mosaicRow(light, sensor_.tile, static_cast<unsigned>(x), static_cast<unsigned>(y),
-                      mosaic_);
-            seen = mosaic_.view();
-        }
-        sensed_.reset(seen.space, seen.width);
-        for (unsigned plane = 0; plane < planeCount(seen.space); ++plane) {
-            std::transform(seen.plane[plane], seen.plane[plane] + seen.width, sensed_.plane(plane),
-                           [this](Level level) { return response_[level >> 4]; });
-        }
-        return sensed_.view();
-    }
-
     SceneSettings settings_;
     SensorSettings sensor_;
-    Response response_;
+    SensorResponse response_;
     std::unique_ptr<Scene> scene_;
+    std::optional<FrameRequest> painted_;  ///< what the scene shows
+    std::span<const Rect> changing_;       ///< as the scene said when it was painted
     FrameRequest still_;                   ///< what `stillFrame_` was packed for
     std::vector<std::uint8_t> stillFrame_; ///< a packed frame; empty before the first
-    Row mosaic_;
-    Row sensed_;
     Row inSpace_;
 };
 
@@ -199,8 +158,8 @@ bool canRender(FlyCapture2::PixelFormat format)
     return findPixelCodec(format) != nullptr;
 }
 
-Renderer::Renderer(SceneSettings scene, SensorSettings sensor)
-    : impl_(std::make_unique<Impl>(std::move(scene), std::move(sensor)))
+Renderer::Renderer(const SceneSettings& scene, const SensorSettings& sensor)
+    : impl_(std::make_unique<Impl>(scene, sensor))
 {}
 
 Renderer::~Renderer() = default;

@@ -26,8 +26,9 @@ enum class SceneKind {
 /// The scene as the bus description gives it.
 struct SceneSettings {
     SceneKind kind = SceneKind::chart;
-    std::filesystem::path path; ///< a PNG file, or a folder of them (played sorted by name)
-    double brightness = 1.0;    ///< factor on the light that reaches the sensor, above 0
+    std::filesystem::path path;        ///< a PNG file, or a folder of them (played sorted by name)
+    double brightness = 1.0;           ///< factor on the light that reaches the sensor, above 0
+    double referenceExposureUs = 8000; ///< exposure that shows the scene as it is drawn, above 0
 };
 
 /// The sensor behind the lens.
@@ -36,8 +37,12 @@ struct SensorSettings {
     FlyCapture2::BayerTileFormat tile = FlyCapture2::NONE; ///< colour filter at pixel (0, 0)
     unsigned width = 0;                                    ///< pixels
     unsigned height = 0;                                   ///< pixels
-    unsigned bitDepth = 12; ///< of its converter, 8 to 12; finer steps do not reach the frame
-    std::string title;      ///< written on the chart, usually model and serial number
+    unsigned bitDepth = 12;  ///< of its converter, 8 to 12; finer steps do not reach the frame
+    double fullWell = 10000; ///< electrons that a pixel holds; full scale at 0 dB
+    bool noise = true;       ///< false: no noise at all
+    double readNoise = 8;    ///< electrons, standard deviation
+    std::uint64_t noiseSeed = 1;
+    std::string title; ///< written on the chart, usually model and serial number
 };
 
 /// One frame to make.
@@ -71,19 +76,20 @@ class Renderer {
 public:
     /// Checks the scene; the chart or the pictures are prepared at the first frame, so that cameras
     /// that nobody uses cost nothing. Throws `SceneError`.
-    Renderer(SceneSettings scene, SensorSettings sensor);
+    Renderer(const SceneSettings& scene, const SensorSettings& sensor);
     ~Renderer();
     Renderer(Renderer&&) noexcept;
     Renderer& operator=(Renderer&&) noexcept;
 
     /// Writes the frame to `out`, `packedSize(format, width, height)` bytes. Allocates only when
-    /// format or region differ from the frame before. REQUIRES: `canRender(request.format)`, region
-    /// inside the sensor.
+    /// format, region or the features that are on differ from the frames before. REQUIRES:
+    /// `canRender(request.format)`, region inside the sensor.
     void render(const FrameRequest& request, std::uint8_t* out);
 
     /// What the camera's metering sees: the mean level, 0 to 1, of the frame's region as the sensor
     /// gives it, before gamma and look-up table. Taken without noise from a fixed grid of points,
-    /// so that it is cheap and the same every time. 0 without a scene. REQUIRES: as `render`.
+    /// so that it is cheap (cheaper still for the frame rendered before or after) and the same
+    /// every time. 0 without a scene. REQUIRES: as `render`.
     double exposedMean(const FrameRequest& request);
 
 private:

@@ -91,10 +91,18 @@ void ChartScene::paintExposure(float shutterUs, float gainDb)
     std::array<char, kExposureSample.size() + 1> text{};
     const double shutterMs = std::clamp(static_cast<double>(shutterUs) / 1000, 0.0, 99999.999);
     const double gain = std::clamp(static_cast<double>(gainDb), -99.99, 99.99);
-    const int length =
+    int length =
         std::snprintf(text.data(), text.size(), "SHUTTER %.3f MS  GAIN %.2f DB", shutterMs, gain);
-    drawText(canvas_, layout_.exposure.x, layout_.exposure.y,
-             {text.data(), static_cast<std::size_t>(std::max(length, 0))}, layout_.dot, 0,
+    std::string_view shown(text.data(), static_cast<std::size_t>(std::max(length, 0)));
+    const auto tooWide = [&] { return textWidth(shown) * layout_.dot > layout_.exposure.width; };
+    if (tooWide()) { // as on small sensors
+        length = std::snprintf(text.data(), text.size(), "%.3f MS  %.2f DB", shutterMs, gain);
+        shown = {text.data(), static_cast<std::size_t>(std::max(length, 0))};
+    }
+    while (tooWide()) { // beyond the panel it would never be wiped out
+        shown.remove_suffix(1);
+    }
+    drawText(canvas_, layout_.exposure.x, layout_.exposure.y, shown, layout_.dot, 0,
              kChartLettering);
 }
 

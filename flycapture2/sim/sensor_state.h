@@ -36,6 +36,8 @@ struct SensorState {
     unsigned whiteBalanceRed = kNeutralWhiteBalance;  ///< raw: factor in 512ths
     unsigned whiteBalanceBlue = kNeutralWhiteBalance; ///< raw: factor in 512ths
     std::shared_ptr<const SensorLut> lut;             ///< null = look-up table off
+
+    bool operator==(const SensorState&) const = default;
 };
 
 } // namespace fcsim

@@ -38,6 +38,7 @@ SensorSettings sensor(unsigned width, unsigned height, BayerTileFormat tile = NO
     settings.tile = tile;
     settings.width = width;
     settings.height = height;
+    settings.noise = false;
     return settings;
 }
 
