@@ -6,6 +6,8 @@
 #include <cmath>
 #include <limits>
 
+#include <rapidcheck/gtest.h>
+
 namespace {
 
 using KxPGrey::autoExposureTarget;
@@ -81,6 +83,37 @@ TEST(RangeWord, KeepsTwelveBitsOfALimit)
     EXPECT_EQ(gainRangeWord(0x80000000, {4'095, 4'096}), 0x82FFF000U);
     EXPECT_EQ(shutterRangeWord(0x80000000, {4'097, 4'095}), 0x80001FFFU);
     EXPECT_EQ(gainRangeWord(0x80000000, gainSteps(-2.5F, 409.65F)), 0x82FE7000U);
+}
+
+RC_GTEST_PROP(RangeWord, GivesBackFlagsAndBothLimits,
+              (std::uint32_t current, std::uint32_t min, std::uint32_t max))
+{
+    const std::uint32_t shutter = shutterRangeWord(current, {min, max});
+    RC_ASSERT(shutter >> 24U == current >> 24U);
+    RC_ASSERT(shutter / 4'096 % 4'096 == min % 4'096);
+    RC_ASSERT(shutter % 4'096 == max % 4'096);
+    RC_ASSERT(gainRangeWord(current, {min, max}) == (shutter | 1U << 25U));
+}
+
+/// Whole numbers of hundredths stay clear of the steps' ends, so that integers tell the result.
+RC_GTEST_PROP(GainSteps, AreTheDecibelsTimesTenTruncated, ())
+{
+    const int tenths = *rc::gen::inRange(-1'000, 5'000);
+    const int hundredths = *rc::gen::inRange(1, 10) * (tenths < 0 ? -1 : 1);
+    const auto decibels = static_cast<float>(tenths * 10 + hundredths) / 100.0F;
+    RC_ASSERT(gainSteps(decibels, 0.0F).min == static_cast<std::uint32_t>(tenths));
+}
+
+RC_GTEST_PROP(AutoExposureTarget, GrowsWithTheLevelBetweenTheEndsOfTheRange, ())
+{
+    const auto min = static_cast<float>(*rc::gen::inRange(-1'000, 0)) / 100.0F;
+    const auto max = static_cast<float>(*rc::gen::inRange(1, 1'000)) / 100.0F;
+    const int step = *rc::gen::inRange(1, 999);
+    const float here = autoExposureTarget(static_cast<float>(step) / 1'000.0F, min, max);
+    const float next = autoExposureTarget(static_cast<float>(step + 1) / 1'000.0F, min, max);
+    RC_ASSERT(min <= here);
+    RC_ASSERT(here <= next);
+    RC_ASSERT(next <= max);
 }
 
 TEST(AutoExposureTarget, RunsThroughZeroInTheMiddle)
