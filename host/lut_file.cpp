@@ -117,7 +117,7 @@ std::string parseText(std::string_view content, const std::string& path, unsigne
         const std::size_t end = std::min(content.find('\n'), content.size());
         const std::string problem = parseLine(content.substr(0, end), bits, entries);
         if (!problem.empty()) {
-            return path + ":" + std::to_string(number) + ": " + problem;
+            return std::string(path).append(":" + std::to_string(number)).append(": " + problem);
         }
         content.remove_prefix(std::min(end + 1, content.size()));
     }

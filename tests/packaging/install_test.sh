@@ -23,7 +23,8 @@ find "$(dirname "$plugin")" -maxdepth 1 -name 'libflycapture*' | grep . &&
 
 examples=$prefix/share/driver-pointgrey/examples
 for example in "$examples"/*-*.toml; do
-    "$prefix/bin/kxhost" check -c "$example" >/dev/null || fail "kxhost check $example"
+    "$prefix/bin/kxhost" check -c "$example" >"$prefix/checked" || fail "kxhost check $example"
+    grep '  hint:' "$prefix/checked" && fail "$example holds a value without effect"
 done
 "$prefix/bin/kxhost" grab "--simulate=$examples/bus.toml" -c "$examples/mono8-usb3.toml" \
     --frames 2 --output "$prefix/out" >/dev/null || fail "kxhost grab"

@@ -56,19 +56,6 @@ INSTANTIATE_TEST_SUITE_P(
                  "[acquisition]\nframe_rate = 50\nexposure = \"20.01 ms\"\n",
                  {"camera.toml:3: acquisition.exposure = \"20010 us\": is longer than the time "
                   "between two frames of frame_rate; no camera can do both"}},
-        HintCase{"AimsWithoutAutomaticMode",
-                 "[auto]\nbrightness = 0.5\ngain_min = 0\ngain_max = 9\nexposure_min = \"1 ms\"\n"
-                 "exposure_max = \"9 ms\"\n",
-                 {"camera.toml:2: auto.brightness = 0.5: has no effect: neither gain_mode nor "
-                  "exposure_mode is \"auto\"",
-                  "camera.toml:3: auto.gain_min = \"0 dB\": has no effect: neither gain_mode nor "
-                  "exposure_mode is \"auto\"",
-                  "camera.toml:4: auto.gain_max = \"9 dB\": has no effect: neither gain_mode nor "
-                  "exposure_mode is \"auto\"",
-                  "camera.toml:5: auto.exposure_min = \"1000 us\": has no effect: neither "
-                  "gain_mode nor exposure_mode is \"auto\"",
-                  "camera.toml:6: auto.exposure_max = \"9000 us\": has no effect: neither "
-                  "gain_mode nor exposure_mode is \"auto\""}},
         HintCase{"GainLimitsOfManualGain",
                  "[acquisition]\nexposure_mode = \"auto\"\ngain = 3\n[auto]\ngain_min = 0\n"
                  "gain_max = 9\n",
@@ -174,6 +161,22 @@ INSTANTIATE_TEST_SUITE_P(
                  {"camera.toml:2: lut.bits = 12: has no effect: there is no table, file or "
                   "curve"}}),
     [](const auto& each) { return std::string(each.param.title); });
+
+TEST(ConfigHintsOnAims, TellThatNothingFollowsThemWithoutAnAutomaticMode)
+{
+    const Configuration configuration =
+        good("[auto]\nbrightness = 0.5\ngain_min = 0\ngain_max = 9\nexposure_min = \"1 ms\"\n"
+             "exposure_max = \"9 ms\"\n");
+    for (const char* name :
+         {"brightness", "gain_min", "gain_max", "exposure_min", "exposure_max"}) {
+        EXPECT_EQ(hintOn(configuration, *findKey("auto", name)),
+                  "has no effect: neither gain_mode nor exposure_mode is \"auto\"");
+    }
+    ASSERT_EQ(hintsOn(configuration).size(), 5U);
+    EXPECT_EQ(hintsOn(configuration).back(),
+              "camera.toml:6: auto.exposure_max = \"9000 us\": has no effect: neither gain_mode "
+              "nor exposure_mode is \"auto\"");
+}
 
 std::string tableOf(unsigned value)
 {

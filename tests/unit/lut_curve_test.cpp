@@ -68,7 +68,7 @@ TEST(LutCurve, GammaIsARootOfTheInput)
     const auto lighter = entriesOf("gamma 2"); // the square root
     for (std::uint64_t index = 0; index < kLutEntries; ++index) {
         // |v - sqrt(511 i)| <= 1/2, squared and without fractions.
-        const std::uint64_t square = 4 * 511 * index;
+        const std::uint64_t square = index * 4 * 511;
         const std::uint64_t value = lighter[index];
         EXPECT_LE(square, (2 * value + 1) * (2 * value + 1)) << index;
         EXPECT_TRUE(value == 0 || square >= (2 * value - 1) * (2 * value - 1)) << index;
