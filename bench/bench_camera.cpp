@@ -21,7 +21,7 @@ void require(bool condition, const char* what)
 
 } // namespace
 
-void loadCamera(unsigned width, unsigned height)
+void loadCamera(unsigned width, unsigned height, const std::string& sensor)
 {
     const std::string toml = "[[camera]]\n"
                              "model = \"Bench\"\n"
@@ -30,6 +30,7 @@ void loadCamera(unsigned width, unsigned height)
                              "register_time_us = 0\n"
                              "sensor = { width = " +
                              std::to_string(width) + ", height = " + std::to_string(height) +
+                             (sensor.empty() ? "" : ", ") + sensor +
                              " }\n"
                              "delivery = { paced = false, latency_us = 0 }\n"
                              "scene = { kind = \"none\" }\n";

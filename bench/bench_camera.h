@@ -7,11 +7,13 @@
 #include <FlyCapture2.h>
 
 #include <memory>
+#include <string>
 
 namespace kxbench {
 
-/// Puts one 8-bit USB 3 camera of this size on the bus. Ends the program if that fails.
-void loadCamera(unsigned width, unsigned height);
+/// Puts one 8-bit USB 3 camera of this size on the bus; `sensor` holds further keys of its sensor.
+/// Ends the program if that fails.
+void loadCamera(unsigned width, unsigned height, const std::string& sensor = "");
 
 /// The connected camera with its description. Ends the program if there is none.
 struct OpenCamera {

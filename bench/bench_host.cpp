@@ -57,7 +57,7 @@ using kxbench::kKeepFloat;
 
 extern "C" {
 
-// ---- Configuration: any camera, everything as it is.
+// ---- Configuration: any camera, everything as it is but for `parameters`.
 
 const char* KxGiMainCtx__GetModelStr()
 {
@@ -114,27 +114,27 @@ float KxGiMainCtx__GetFps()
 }
 float KxGiMainCtx__GetGainMan()
 {
-    return -100.0F;
+    return host().parameters.gainDb;
 }
 float KxGiMainCtx__GetExptMan()
 {
-    return kKeepFloat;
+    return host().parameters.exposureUs;
 }
 float KxGiMainCtx__GetGamma()
 {
-    return kKeepFloat;
+    return host().parameters.gamma;
 }
 int32_t KxGiMainCtx__GetSatur()
 {
-    return -1;
+    return host().parameters.saturation;
 }
 int32_t KxGiMainCtx__GetWbred()
 {
-    return -1;
+    return host().parameters.whiteBalance;
 }
 int32_t KxGiMainCtx__GetWbblu()
 {
-    return -1;
+    return host().parameters.whiteBalance;
 }
 int32_t KxGiMainCtx__GetRotate()
 {
@@ -166,11 +166,11 @@ int32_t KxGiMainCtx__GetSweepProf()
 }
 int32_t KxGiMainCtx__GetSweepGainMod()
 {
-    return 0;
+    return host().parameters.sweepMode;
 }
 int32_t KxGiMainCtx__GetSweepEtimeMod()
 {
-    return 0;
+    return host().parameters.sweepMode;
 }
 int32_t KxGiMainCtx__GetSweepLutMod()
 {

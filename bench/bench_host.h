@@ -9,12 +9,24 @@
 
 namespace kxbench {
 
+/// The camera's parameters as they are configured; as they stand here, the camera keeps its own.
+struct Parameters {
+    float gainDb = -100;
+    float exposureUs = -1;
+    float gamma = -1;
+    std::int32_t saturation = -1;
+    std::int32_t whiteBalance = -1; ///< of red and of blue
+    std::int32_t sweepMode = 0;     ///< of gain and exposure
+};
+
 /// What the host services answer, and what they saw. Set before a run.
 struct Host {
     std::uint32_t frames = 0;       ///< frames to retrieve
     std::uint32_t buffers = 8;      ///< frame buffers
     std::uint32_t measureFrom = 0;  ///< export after which the measurement starts
     std::uint32_t measureUntil = 0; ///< export after which it ends
+
+    Parameters parameters;
 
     std::uint32_t exports = 0; ///< so far
     Usage from;                ///< at `measureFrom`
