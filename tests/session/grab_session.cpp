@@ -27,9 +27,10 @@ std::string busWith(const TestSensor& sensor, const std::string& extra)
     } else {
         bus << "true, bayer_tile = \"" << sensor.tile << "\"";
     }
-    bus << " }\nproperties = { SHUTTER = { value = 1.0 }, GAIN = { value = 3.0 } }\ndelivery = { "
-           "paced = "
-        << (sensor.paced ? "true" : "false") << " }\n"
+    bus << (sensor.noise ? "" : ", noise = false")
+        << " }\nproperties.SHUTTER.value = " << sensor.exposureMs
+        << "\nproperties.GAIN.value = " << sensor.gainDb
+        << "\ndelivery.paced = " << (sensor.paced ? "true" : "false") << "\n"
         << extra << "\n";
     return bus.str();
 }

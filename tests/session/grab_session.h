@@ -20,13 +20,16 @@ std::string kxhostPath();
 inline constexpr const char* kModel = "Tester TST-1";
 inline constexpr unsigned kSerial = 424242;
 
-/// The sensor of a simulated camera, small and fast enough for tests.
+/// A simulated camera with its sensor, small and fast enough for tests.
 struct TestSensor {
     unsigned width = 64;
     unsigned height = 48;
     std::string tile;       ///< "RGGB" or so; empty = monochrome
     double frameRate = 200; ///< frames a second
     bool paced = false;     ///< frames come in time; otherwise each as soon as it is fetched
+    bool noise = true;
+    double exposureMs = 1; ///< at power-up
+    double gainDb = 3;
 };
 
 /// TOML of a bus with one camera. `extra` holds further keys and tables of the camera.

@@ -1,6 +1,7 @@
 // A grab that goes on until it is told to end, steered and watched from outside while it runs.
 #include "live_grab.h"
 
+#include <filesystem>
 #include <fstream>
 #include <stdexcept>
 
@@ -110,6 +111,18 @@ std::string LiveGrab::waitForLog(const std::string& part)
 std::string LiveGrab::waitForMessage(const std::string& part)
 {
     return waitForLine(messages_, part);
+}
+
+void LiveGrab::writeConfiguration(const std::string& text) const
+{
+    writeText(session_.configurationFile(), text);
+}
+
+void LiveGrab::renameConfiguration(const std::string& text) const
+{
+    const std::string written = session_.configurationFile() + ".new";
+    writeText(written, text);
+    std::filesystem::rename(written, session_.configurationFile());
 }
 
 int LiveGrab::finish(int number)

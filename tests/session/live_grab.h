@@ -51,6 +51,11 @@ public:
     std::string waitForLog(const std::string& part);
     std::string waitForMessage(const std::string& part);
 
+    /// Changes the configuration file as `echo >` does, and as an editor that writes a new file and
+    /// renames it.
+    void writeConfiguration(const std::string& text) const;
+    void renameConfiguration(const std::string& text) const;
+
     /// Asks for the end, waits for it and returns kxhost's exit code.
     int finish(int number = SIGINT);
 
