@@ -13,7 +13,8 @@ constexpr float kFullScale = 65535;
 
 Level rounded(float level)
 {
-    return static_cast<Level>(static_cast<int>(std::min(std::max(level, 0.0F), kFullScale) + 0.5F));
+    const float limited = std::min(std::max(level + 0.5F, 0.0F), kFullScale);
+    return static_cast<Level>(static_cast<int>(limited));
 }
 
 } // namespace

@@ -1,4 +1,5 @@
 // The simulation in steady state: no allocation per frame, and calls from other threads meanwhile.
+#include "sensor_fixture.h"
 #include "sim_fixture.h"
 
 #include <atomic>
@@ -77,6 +78,28 @@ TEST_F(SimSteady, AFrameAllocatesNothing)
     }
     EXPECT_TRUE(good);
     EXPECT_EQ(allocations.load() - before, 0U);
+}
+
+/// Also with everything on that a picture can answer to, and metered.
+TEST_F(SimSteady, APictureAllocatesNothingWhateverIsSet)
+{
+    const fcsim::SensorState busy = fcsim::busyState();
+    fcsim::SensorState other = busy;
+    other.gamma = 2;
+    fcsim::Renderer renderer({}, fcsim::noisySensor(RGGB));
+    for (const PixelFormat format : {PIXEL_FORMAT_MONO8, PIXEL_FORMAT_RAW8, PIXEL_FORMAT_422YUV8}) {
+        fcsim::FrameRequest request = fcsim::wholeFrame(format, 0, busy);
+        fcsim::Bytes frame = fcsim::frameOf(renderer, request);
+        double mean = renderer.exposedMean(request);
+        const std::size_t before = allocations.load();
+        for (request.number = 1; request.number < 10; ++request.number) {
+            request.state = request.number % 3 == 0 ? other : busy;
+            mean += renderer.exposedMean(request);
+            renderer.render(request, frame.data());
+        }
+        EXPECT_EQ(allocations.load() - before, 0U) << fcsim::pixelFormatName(format);
+        EXPECT_GT(mean, 0);
+    }
 }
 
 TEST_F(SimSteady, OtherThreadsReadRegistersWhileARetrievalWaits)
