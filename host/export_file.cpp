@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <filesystem>
 #include <system_error>
+#include <utility>
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -87,12 +88,12 @@ std::string prepareFolder(const std::string& folder)
 
 LineFile::~LineFile()
 {
-    close();
+    static_cast<void>(close()); // who wants to hear of errors closes before
 }
 
 void LineFile::open(const std::string& path)
 {
-    close();
+    static_cast<void>(close());
     path_ = path;
     length_ = 0;
 }
@@ -115,12 +116,13 @@ std::string LineFile::append(std::string_view line)
     return cannot("write", path_, code);
 }
 
-void LineFile::close()
+std::string LineFile::close()
 {
-    if (fd_ >= 0) {
-        ::close(fd_);
-        fd_ = -1;
+    if (fd_ < 0) {
+        return "";
     }
+    const int fd = std::exchange(fd_, -1);
+    return ::close(fd) == 0 ? "" : cannot("write", path_, errno);
 }
 
 } // namespace kxhost

@@ -34,7 +34,9 @@ public:
     /// Appends `line` (which brings its newline). A line that does not fit is taken back whole.
     /// REQUIRES: open. Returns an empty text or the reason.
     std::string append(std::string_view line);
-    void close();
+    /// Closes the file; the next line opens it anew. Returns an empty text, or why what was written
+    /// may not be there.
+    std::string close();
 
 private:
     std::string path_;

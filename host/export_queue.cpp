@@ -12,6 +12,7 @@
 #include <chrono>
 #include <condition_variable>
 #include <cstring>
+#include <exception>
 #include <filesystem>
 #include <mutex>
 #include <thread>
@@ -77,6 +78,7 @@ private:
     void forgetStaged(std::uint64_t timestampUs);
     void fail(const std::string& error);
     void runWriter();
+    void writeFrameSafely(std::uint64_t frame, PictureWriter& writer);
     void writeFrame(std::uint64_t frame, PictureWriter& writer);
     void releaseDone(Lock& lock);
     std::string complete(const Place& oldest);
@@ -151,6 +153,9 @@ void ExportQueue::Impl::forgetStaged(std::uint64_t timestampUs)
 
 bool ExportQueue::Impl::waitForPlace(Lock& lock)
 {
+    if (finishing_) {
+        return false; // an abandoned grab that goes on
+    }
     const auto isFree = [this] { return committed_ - released_ < places_.size(); };
     if (!isFree() && settings_.whenFull == WhenFull::kWait && error_.empty()) {
         const auto start = std::chrono::steady_clock::now();
@@ -240,11 +245,22 @@ void ExportQueue::Impl::runWriter()
         mine.fileCount = 0;
         mine.fileBytes = 0;
         if (!skip) {
-            writeFrame(frame, writer);
+            writeFrameSafely(frame, writer);
         }
         lock.lock();
         mine.done = true;
         releaseDone(lock);
+    }
+}
+
+/// Want of memory is an export error like others.
+void ExportQueue::Impl::writeFrameSafely(std::uint64_t frame, PictureWriter& writer)
+{
+    try {
+        writeFrame(frame, writer);
+    } catch (const std::exception& exception) {
+        const Lock lock(mutex_);
+        fail("Cannot write frame " + std::to_string(frame + 1) + ": " + exception.what() + ".");
     }
 }
 
@@ -318,7 +334,10 @@ void ExportQueue::Impl::finish()
         writer.join();
     }
     writers_.clear();
-    metadata_.close();
+    if (const std::string error = metadata_.close(); !error.empty()) {
+        const Lock lock(mutex_);
+        fail(error);
+    }
 }
 
 ExportTotals ExportQueue::Impl::totals() const
