@@ -22,6 +22,8 @@ enum class CurveShape { kLinear, kInvert, kContrast, kGamma };
 struct LutCurve {
     CurveShape shape = CurveShape::kLinear;
     double parameter = 1;
+
+    bool operator==(const LutCurve&) const = default;
 };
 
 /// Reads "linear", "invert", "contrast S" or "gamma G"; empty when the text is none of these or the
