@@ -100,6 +100,9 @@ const std::array kKeys = {
         "Number of frame buffers that the camera fills.", member<&Settings::buffers>},
     Key{"grab", "max_losses", Takes::kStart, whole(0, 1e15), "any number",
         "With more lost frames than this the exit code tells so.", member<&Settings::maxLosses>},
+    Key{"grab", "watch", Takes::kStart, SwitchRule{}, "true",
+        "Watch the configuration file and take over changes of live keys.",
+        member<&Settings::watchConfiguration>},
 
     Key{"region", "width", Takes::kRestart, whole(1, kMaxPixels), kKept,
         "Width of the picture in pixels.", member<&Settings::width>},
@@ -176,6 +179,9 @@ const std::array kKeys = {
         "manual with a table, file or curve, else keep",
         "Who sets the look-up table; manual without one switches the camera's off.",
         member<&Settings::lutMode>},
+    Key{"lut", "clip_limit", Takes::kLive, number(Dimension::kNone, 1, 4096), "4",
+        "How much a table computed from the picture may raise contrast; 1 not at all.",
+        member<&Settings::lutClipLimit>},
 
     Key{kIoboxSection, "pin", Takes::kLive, WordRule{kPinWords}, "none", "The pin that is set.",
         pinMember<&IoboxSetting::pin>},

@@ -37,6 +37,8 @@ struct ScenarioValues {
     std::optional<std::uint64_t> timestampUs;
     std::optional<std::uint32_t> rxData;
     std::optional<std::uint32_t> rxBits;
+    std::optional<std::uint32_t>
+        configuration; ///< the host's own: how often it had changed, plus 1
 };
 
 } // namespace kxhost

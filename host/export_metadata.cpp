@@ -74,6 +74,7 @@ std::string metadataLine(std::uint64_t number, const ScenarioValues& values,
     addIfSet(object, "unit", values.unit);
     addIfSet(object, "rx_data", values.rxData);
     addIfSet(object, "rx_bits", values.rxBits);
+    addIfSet(object, "configuration", values.configuration);
     object["pictures"] = Json::array();
     for (const PictureRecord& picture : pictures) {
         object["pictures"].push_back(pictureJson(picture));

@@ -9,6 +9,7 @@ namespace kxhost {
 
 /// Written by the grab thread, read by the one that shows the progress; each number for itself.
 struct GrabCounts {
+    std::atomic<std::uint32_t> passes = 0;     ///< calls of the plug-in
     std::atomic<std::uint64_t> retrieved = 0;  ///< frames that arrived
     std::atomic<std::uint64_t> missing = 0;    ///< failed retrievals
     std::atomic<std::uint64_t> timing = 0;     ///< arrived frames that only started the timing

@@ -1,13 +1,25 @@
-// One run of the grab: the plug-in on a thread of its own, signals and progress on this one.
+// One run of the grab: the plug-in on a thread of its own; signals, the configuration file and the
+// progress on the calling one.
+//
+// Signals come through a descriptor that this thread waits for, so nothing is ever done in a signal
+// handler. A termination signal that comes inside the grab loop is left to the loop, which ends
+// behind the frame at hand. Outside of it (a camera is looked for, powered up, configured) nobody
+// would see the signal for an unknown time: the run ends at once, and if the plug-in does not come
+// back within a moment, without it. While the last frames are written, the end is near anyway.
+// Other signals are kept until the loop runs again.
 #include "grab_run.h"
 
+#include "config_watch.h"
+#include "descriptor.h"
+#include "notice.h"
 #include "services.h"
 
+#include <algorithm>
 #include <array>
-#include <cerrno>
+#include <atomic>
 #include <csignal>
-#include <stdexcept>
-#include <system_error>
+#include <memory>
+#include <optional>
 #include <thread>
 
 #include <poll.h>
@@ -19,168 +31,205 @@ namespace kxhost {
 namespace {
 
 using namespace std::chrono_literals;
+using Clock = std::chrono::steady_clock;
 
-// Exit codes of the plug-in (a pass that ended without camera is worth a repetition).
-constexpr int kPassFine = 0;
-constexpr int kPassReconfigurationRefused = 1;
-constexpr int kPassNoCamera = 2;
-constexpr int kPassNotOurCamera = 3;
-constexpr int kPassSetUpFailed = -1;
-constexpr int kPassConfiguration = -2;
-constexpr int kPassNoPower = -5;
-constexpr int kPassLost = -10;
+/// What the plug-in has to come back when it is not in its loop and the end is asked for.
+constexpr auto kTimeToReturn = 300ms;
 
-/// Time between two looks for a camera.
-constexpr auto kLookAgain = 500ms;
-
-/// A file descriptor of this process; closes it.
-class Descriptor {
-public:
-    explicit Descriptor(int number) : number_(number)
-    {
-        if (number_ < 0) {
-            throw std::system_error(errno, std::generic_category(), "cannot wait for signals");
-        }
-    }
-    ~Descriptor() { close(number_); }
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-    int number() const { return number_; }
-
-private:
-    int number_;
+/// The signals that steer a grab, and what each asks for.
+struct Steering {
+    int signal;
+    SignalCode code;
 };
+constexpr std::array kSteering = {Steering{SIGINT, kFinishInterrupt},
+                                  Steering{SIGTERM, kFinishTerminate}, Steering{SIGHUP, kReload},
+                                  Steering{SIGUSR1, kLut}, Steering{SIGUSR2, kLut12}};
 
-sigset_t terminationSignals()
+sigset_t steeringSignals()
 {
     sigset_t set;
     sigemptyset(&set);
-    sigaddset(&set, SIGINT);
-    sigaddset(&set, SIGTERM);
+    for (const Steering& each : kSteering) {
+        sigaddset(&set, each.signal);
+    }
     return set;
 }
 
-/// Calls the plug-in until a pass says something other than "no camera", the time is over or the
-/// end is asked for.
-GrabResult runPasses(const Plugin& plugin)
-{
-    HostServices& host = services();
-    const double limit = host.settings.waitSeconds;
-    const auto start = std::chrono::steady_clock::now();
-    unsigned passes = 0;
-    while (true) {
-        const int code = plugin.run();
-        ++passes;
-        GrabResult result = describePass(code, host.termination.requested());
-        const std::chrono::duration<double> waited = std::chrono::steady_clock::now() - start;
-        const bool isOver = limit >= 0 && waited.count() >= limit;
-        if (result.exitCode == kExitNoCamera && !isOver) {
-            if (!host.termination.sleep(kLookAgain)) {
-                continue;
-            }
-            result = describePass(code, true);
-        }
-        result.passes = passes;
-        return result;
-    }
-}
+/// What the grab thread tells the other one. Shared, because an abandoned thread outlives the run.
+struct Outcome {
+    Descriptor done{eventfd(0, EFD_CLOEXEC), "cannot wait for the grab"};
+    std::atomic<bool> writing = false; ///< the plug-in is done for good
+    GrabResult result;                 ///< valid behind `done`
+};
 
 /// All passes, and then the writing of what they left in the queue.
-GrabResult runToTheEnd(const Plugin& plugin)
+void runToTheEnd(const Plugin& plugin, Outcome& outcome)
 {
     try {
-        GrabResult result = runPasses(plugin);
+        outcome.result = runPasses(plugin);
+        outcome.writing = true;
         if (services().queue != nullptr) {
             services().queue->finish();
         }
-        return result;
     } catch (const std::exception& error) {
-        return {kExitInternal, std::string("Ended by an exception: ") + error.what(), 1};
+        outcome.result = {kExitInternal, std::string("Ended by an exception: ") + error.what()};
     }
+    eventfd_write(outcome.done.number(), 1);
 }
 
-/// The first signal asks for the end, the second one is it.
-void takeSignal(int signals)
-{
-    signalfd_siginfo info{};
-    if (read(signals, &info, sizeof info) != static_cast<ssize_t>(sizeof info)) {
-        return;
+/// The calling thread's side of a run.
+class Steerer {
+public:
+    Steerer(const Plugin& plugin, ConfigFollower& follower, bool watch)
+        : follower_(follower), outcome_(std::make_shared<Outcome>())
+    {
+        if (watch) {
+            startWatching();
+        }
+        thread_ = std::thread([&plugin, outcome = outcome_] { runToTheEnd(plugin, *outcome); });
     }
-    if (services().termination.requested()) {
-        constexpr int kEndedBySignal = 128;
-        _exit(kEndedBySignal + static_cast<int>(info.ssi_signo));
+
+    GrabResult run(int tickMs, const std::function<void()>& tick)
+    {
+        std::array<pollfd, 3> wait = {pollfd{outcome_->done.number(), POLLIN, 0},
+                                      pollfd{signals_.number(), POLLIN, 0},
+                                      pollfd{watch_ ? watch_->descriptor() : -1, POLLIN, 0}};
+        while ((wait[0].revents & POLLIN) == 0) {
+            if (isAbandoned()) {
+                thread_.detach();
+                return {kExitFine, "Finished as asked by a signal, outside the grab loop.", true};
+            }
+            if (poll(wait.data(), wait.size(), timeout(tickMs)) < 0) {
+                continue;
+            }
+            if ((wait[1].revents & POLLIN) != 0) {
+                takeSignal();
+            }
+            lookAfterFiles((wait[2].revents & POLLIN) != 0);
+            tick();
+        }
+        thread_.join();
+        return outcome_->result;
     }
-    services().termination.request(info.ssi_signo == SIGINT ? kFinishInterrupt : kFinishTerminate);
-}
+
+private:
+    /// A grab without it is better than none.
+    void startWatching()
+    {
+        try {
+            watch_.emplace();
+            lookAtFiles();
+        } catch (const std::system_error& error) {
+            complain(std::string(error.what()) + "; use a reload after changes.");
+        }
+    }
+
+    void takeSignal()
+    {
+        signalfd_siginfo info{};
+        if (read(signals_.number(), &info, sizeof info) != static_cast<ssize_t>(sizeof info)) {
+            return;
+        }
+        const auto* const steering =
+            std::ranges::find(kSteering, static_cast<int>(info.ssi_signo), &Steering::signal);
+        if (steering->code == kReload) {
+            follower_.reload(); // before the code, which hands it over
+            followFiles();
+        }
+        if (steering->code == kFinishInterrupt || steering->code == kFinishTerminate) {
+            finish(steering->signal);
+        }
+        services().signals.post(steering->code);
+    }
+
+    /// The first signal asks for the end, the second one is it.
+    void finish(int signal)
+    {
+        if (isAsked_) {
+            constexpr int kEndedBySignal = 128;
+            _exit(kEndedBySignal + signal);
+        }
+        isAsked_ = true;
+        leaveBy_ = Clock::now() + kTimeToReturn;
+    }
+
+    /// Whether the end was asked for while the plug-in was somewhere where it does not see that,
+    /// and it is still there.
+    bool isAbandoned()
+    {
+        if (leaveBy_ && (services().signalsKept || outcome_->writing)) {
+            leaveBy_.reset();
+        }
+        return leaveBy_ && Clock::now() >= *leaveBy_;
+    }
+
+    int timeout(int tickMs) const
+    {
+        int ms = tickMs;
+        if (leaveBy_) {
+            ms = std::min(ms, static_cast<int>(kTimeToReturn / 1ms) / 2);
+        }
+        const int change = watch_ ? watch_->waitMs(Clock::now()) : -1;
+        return change < 0 ? ms : std::min(ms, change);
+    }
+
+    void lookAfterFiles(bool happened)
+    {
+        if (!watch_) {
+            return;
+        }
+        if (happened) {
+            watch_->read(Clock::now());
+        }
+        if (watch_->isDue(Clock::now())) {
+            lookAtFiles();
+        }
+    }
+
+    /// Looks until nothing has come to be watched meanwhile, of which a change could be missed.
+    void lookAtFiles()
+    {
+        do {
+            follower_.fileChanged();
+        } while (followFiles());
+    }
+
+    bool followFiles()
+    {
+        if (!watch_) {
+            return false;
+        }
+        const bool isNew = watch_->follow(follower_.files());
+        if (!watch_->trouble().empty() && watch_->trouble() != trouble_) {
+            complain(watch_->trouble());
+        }
+        trouble_ = watch_->trouble();
+        return isNew;
+    }
+
+    ConfigFollower& follower_;
+    const sigset_t set_ = steeringSignals();
+    const Descriptor signals_{signalfd(-1, &set_, SFD_CLOEXEC), "cannot wait for signals"};
+    std::optional<ConfigWatch> watch_;         ///< none = changes of files are not looked for
+    std::string trouble_;                      ///< of watching, as it was told
+    bool isAsked_ = false;                     ///< by a first termination signal
+    std::optional<Clock::time_point> leaveBy_; ///< none = the plug-in sees the signal
+    std::shared_ptr<Outcome> outcome_;
+    std::thread thread_;
+};
 
 } // namespace
 
-void blockTerminationSignals()
+void blockSteeringSignals()
 {
-    const sigset_t set = terminationSignals();
+    const sigset_t set = steeringSignals();
     pthread_sigmask(SIG_BLOCK, &set, nullptr);
 }
 
-GrabResult describePass(int code, bool asked)
+GrabResult runGrab(const Plugin& plugin, ConfigFollower& follower, bool watch, int tickMs,
+                   const std::function<void()>& tick)
 {
-    constexpr const char* kAskedWhileWaiting =
-        "Finished as asked by a signal, before a camera came.";
-    switch (code) {
-    case kPassFine:
-        return {kExitFine, asked ? "Finished as asked by a signal." : "Finished.", 0};
-    case kPassReconfigurationRefused:
-        return {kExitConfiguration, "The new configuration was refused.", 0};
-    case kPassNoCamera:
-        if (asked) {
-            return {kExitFine, kAskedWhileWaiting, 0};
-        }
-        return {kExitNoCamera, "There is no camera on the buses.", 0};
-    case kPassNotOurCamera:
-        if (asked) {
-            return {kExitFine, kAskedWhileWaiting, 0};
-        }
-        return {kExitNoCamera,
-                "None of the cameras on the buses is the configured one, or it is in use.", 0};
-    case kPassSetUpFailed:
-        return {kExitCamera, "The camera could not be reached again, or refused the frame buffers.",
-                0};
-    case kPassConfiguration:
-        return {kExitCamera, "The camera refused its configuration.", 0};
-    case kPassNoPower:
-        return {kExitCamera, "The camera could not be powered up.", 0};
-    case kPassLost:
-        if (asked) {
-            return {kExitFine, "Finished as asked by a signal, while no frame arrived.", 0};
-        }
-        return {kExitCamera, "The camera was lost or delivered no more frames.", 0};
-    default:
-        return {kExitCamera, "The plug-in ended with code " + std::to_string(code) + ".", 0};
-    }
-}
-
-GrabResult runGrab(const Plugin& plugin, int tickMs, const std::function<void()>& tick)
-{
-    const sigset_t set = terminationSignals();
-    const Descriptor signals(signalfd(-1, &set, SFD_CLOEXEC));
-    const Descriptor done(eventfd(0, EFD_CLOEXEC));
-    GrabResult result;
-    std::thread grab([&] {
-        result = runToTheEnd(plugin);
-        eventfd_write(done.number(), 1);
-    });
-    std::array<pollfd, 2> wait = {pollfd{done.number(), POLLIN, 0},
-                                  pollfd{signals.number(), POLLIN, 0}};
-    while ((wait[0].revents & POLLIN) == 0) {
-        if (poll(wait.data(), wait.size(), tickMs) < 0) {
-            continue;
-        }
-        if ((wait[1].revents & POLLIN) != 0) {
-            takeSignal(signals.number());
-        }
-        tick();
-    }
-    grab.join();
-    return result;
+    return Steerer(plugin, follower, watch).run(tickMs, tick);
 }
 
 } // namespace kxhost

@@ -66,6 +66,7 @@ ScenarioValues Scenario::read() const
         .timestampUs = readAs<std::uint64_t>(values_, kKxScTimestampUs),
         .rxData = readAs<std::uint32_t>(values_, kKxScRxData),
         .rxBits = readAs<std::uint32_t>(values_, kKxScRxBits),
+        .configuration = {},
     };
 }
 

@@ -2,18 +2,24 @@
 #ifndef KXHOST_SERVICES_H
 #define KXHOST_SERVICES_H
 
+#include "config_offer.h"
 #include "export_queue.h"
 #include "frame_memory.h"
 #include "grab_counts.h"
+#include "pending_signals.h"
 #include "scenario.h"
 #include "settings.h"
-#include "termination.h"
 
+#include <atomic>
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <stdexcept>
+#include <vector>
 
 namespace kxhost {
+
+class Plugin;
 
 /// Thrown through the grab loop when the end was asked for and no frame comes that would take
 /// the loop to its signal step.
@@ -23,20 +29,30 @@ public:
 };
 
 /// The state of the host. The plug-in calls plain functions, so there is one per process.
-/// `counts` and `termination` may be used from any thread, everything else by the grab thread, or
-/// before and after it has run.
+/// `counts`, `signals`, `offers` and `signalsKept` may be used from any thread, everything else by
+/// the grab thread, or before and after it has run.
 struct HostServices {
     Settings settings;
-    ExportQueue* queue = nullptr; ///< not owned; null = frames are counted and let go
-    Termination termination;
+    const Plugin* plugin = nullptr; ///< not owned; hears of a changed log level; null = nobody does
+    ExportQueue* queue = nullptr;   ///< not owned; null = frames are counted and let go
+    PendingSignals signals;
+    ConfigOffers offers;
     GrabCounts counts;
 
     FrameMemory pool;
     Scenario scenario;
 
+    // Changes of the configuration.
+    std::uint32_t generation = 1;     ///< of the settings; rises with each change in force
+    std::unique_ptr<Settings> before; ///< what a reload has replaced, while there is a way back
+    std::vector<std::vector<std::uint16_t>> oldTables; ///< look-up tables that were in force
+    std::optional<std::int32_t> formatBeforePass;      ///< pixel format, while a pass has its own
+    bool startAgain = false;            ///< the plug-in ended its session for a new configuration
+    std::uint32_t distributionBits = 8; ///< of the distribution that was added up last
+
     // The grab loop's passage from frame to frame.
-    bool signalsKept = false;      ///< between ResetTermSigProc and SetTermSigProc
-    bool firstFrame = false;       ///< the next frame to arrive only starts the timing
+    std::atomic<bool> signalsKept = false; ///< between ResetTermSigProc and SetTermSigProc
+    bool firstFrame = false;               ///< the next frame to arrive only starts the timing
     unsigned missingInRow = 0;     ///< failed retrievals since the last frame, while asked to end
     std::uint64_t missingThen = 0; ///< `counts.missing` at the last frame handed over
     std::optional<std::uint32_t> lastCounter; ///< the camera's counter at that frame

@@ -4,6 +4,9 @@
 
 namespace {
 
+/// The code of the format that a 12-bit pass asks for.
+constexpr int kMono12Packed = 2;
+
 const kxhost::Settings& settings()
 {
     return kxhost::services().settings;
@@ -48,10 +51,17 @@ uint32_t KxGiMainCtx__GetBnum()
     return settings().buffers;
 }
 
-/// The first frame of a grab starts the timing and is not exported, so it takes one more.
+/// The first frame of a grab starts the timing and is not exported, so it takes one more. A grab
+/// that starts again goes on counting.
 uint32_t KxGiMainCtx__GetFnum()
 {
-    return settings().frames == 0 ? 0 : settings().frames + 1;
+    const uint64_t wanted = settings().frames;
+    if (wanted == 0) {
+        return 0;
+    }
+    const kxhost::GrabCounts& counts = kxhost::services().counts;
+    const uint64_t had = counts.retrieved - counts.timing;
+    return static_cast<uint32_t>(wanted > had ? wanted - had : 0) + 1;
 }
 
 uint32_t KxGiMainCtx__GetWidth()
@@ -79,9 +89,17 @@ uint8_t KxGiMainCtx__GetFormat()
     return static_cast<uint8_t>(settings().pixelFormat);
 }
 
+/// A 12-bit pass asks for 12 bits and then for 8 again, which is the format that it found.
 void KxGiMainCtx__SetFormat(int code)
 {
-    kxhost::services().settings.pixelFormat = code;
+    kxhost::HostServices& host = kxhost::services();
+    if (code == kMono12Packed) {
+        host.formatBeforePass = host.settings.pixelFormat;
+    } else if (host.formatBeforePass) {
+        code = *host.formatBeforePass;
+        host.formatBeforePass.reset();
+    }
+    host.settings.pixelFormat = code;
 }
 
 uint8_t KxGiMainCtx__GetCformat()

@@ -1,9 +1,7 @@
 // Host services: control of the grab, signals, frame presence and small utilities.
+#include "config_takeover.h"
 #include "service_exports.h"
 #include "services.h"
-
-#include <cstddef>
-#include <numeric>
 
 using kxhost::services;
 
@@ -12,31 +10,54 @@ namespace {
 /// Failed retrievals in a row after which a grab that was asked to finish is not waited for.
 constexpr unsigned kMissingUntilThrow = 2;
 
+/// Results of a reconfiguration.
+constexpr int kInForce = 0;
+constexpr int kRefused = 1;
+
 } // namespace
 
-/// There is nothing to read anew: the configuration of a run is settled before it starts.
-int KxGi__DoReconfig(int*)
+/// What the signal made the main thread read is taken over here. Without it (the file had an error,
+/// of which the user was told) the old configuration stays.
+int KxGi__DoReconfig(int* restart)
 {
-    return 1;
+    kxhost::HostServices& host = services();
+    // First: a signal that comes from now on has seen a newer file.
+    host.signals.acted(kxhost::kReload);
+    bool startAgain = false;
+    if (!kxhost::takeReload(host, startAgain)) {
+        return kRefused;
+    }
+    if (startAgain) {
+        *restart = 1;
+    }
+    return kInForce;
 }
 
+/// A reload that waits is older than what is offered live, so it comes first.
 int KxGi__CheckDynConfig()
 {
-    return 0;
+    kxhost::HostServices& host = services();
+    return host.signals.pollOutside() == kxhost::kNoSignal && kxhost::takeLive(host) ? 1 : 0;
 }
 
 // No configuration is waiting that could take over from the one in use.
 void KxGi__SetNewCfgVendor() {}
 void KxGi__SetNewCfgPlugin() {}
 
-void KxGi__SetSignalAction(int)
+void KxGi__SetSignalAction(int action)
 {
-    services().termination.acknowledge();
+    if (action == kxhost::kReload) {
+        services().startAgain = true;
+    } else {
+        services().signals.acted(action);
+    }
 }
 
 void KxGi__ResetTermSigProc()
 {
     kxhost::HostServices& host = services();
+    kxhost::settleReload(host);
+    host.startAgain = false;
     host.signalsKept = true;
     host.firstFrame = true;
     host.missingInRow = 0;
@@ -67,6 +88,7 @@ void KxGi__HaltStop(int, int, float)
         ++host.counts.timing;
     }
     host.missingInRow = 0;
+    host.signals.frameArrived();
 }
 
 /// The loop acts on signals after a frame only. When none comes, an exception ends it instead.
@@ -74,7 +96,8 @@ void KxGi__HaltUpdate(int, float)
 {
     kxhost::HostServices& host = services();
     ++host.counts.missing;
-    if (host.termination.pending() == 0 || ++host.missingInRow < kMissingUntilThrow) {
+    host.signals.frameMissing();
+    if (!host.signals.finishPending() || ++host.missingInRow < kMissingUntilThrow) {
         return;
     }
     throw kxhost::NoFrameToStopAt();
@@ -83,20 +106,16 @@ void KxGi__HaltUpdate(int, float)
 /// This host has no other grabbers to trigger.
 void KxGi__CommTriggerAll(uint64_t, uint32_t, int32_t) {}
 
-/// No dynamic look-up table is configured: there is nothing to add up.
-void KxGi__CalcLutDynam(const void*, uint32_t, uint32_t, uint32_t, uint32_t, uint32_t*) {}
-
-/// No dynamic look-up table is configured: the table that changes nothing.
-void KxGi__GetLutDynam(uint32_t outputBits, const uint32_t*, uint32_t, uint16_t* lut)
-{
-    std::iota(lut, lut + (std::size_t{1} << outputBits), uint16_t{0});
-}
-
-/// A code stays until it has been acted on: the loop forgets what it polled before a retrieval
-/// that fails.
+/// pending_signals.h says how long a code stays. The loop's next look after a reconfiguration shows
+/// that it goes on with it.
 int KxUtl__CheckSignal()
 {
-    return services().signalsKept ? services().termination.pending() : 0;
+    kxhost::HostServices& host = services();
+    if (!host.signalsKept) {
+        return host.signals.pollOutside();
+    }
+    kxhost::settleReload(host);
+    return host.signals.pollInLoop();
 }
 
 struct timeval* KxUtl__TimeValDiff(const struct timeval* later, const struct timeval* earlier)

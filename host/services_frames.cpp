@@ -80,7 +80,7 @@ void endHandOver(HostServices& host)
 int refuse(HostServices& host)
 {
     if (!host.queue->firstError().empty()) {
-        host.termination.request(kxhost::kFinishTerminate);
+        host.signals.post(kxhost::kFinishTerminate);
     }
     return kRefused;
 }
@@ -161,7 +161,9 @@ void KxSc__ProcExport(uint64_t timestampUs)
 {
     HostServices& host = services();
     if (host.queue != nullptr) {
-        host.queue->commit(timestampUs, host.scenario.read());
+        kxhost::ScenarioValues values = host.scenario.read();
+        values.configuration = host.generation;
+        host.queue->commit(timestampUs, values);
     }
     ++host.counts.exported;
     endHandOver(host);

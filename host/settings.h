@@ -45,6 +45,7 @@ struct Settings {
     std::uint32_t buffers = 8;
     std::uint32_t frames = 0;    ///< to export; 0 = until a signal
     std::int64_t maxLosses = -1; ///< more losses than this fail the grab; negative = never
+    bool watchConfiguration = true;
 
     std::uint32_t width = kKeep;
     std::uint32_t height = kKeep;
@@ -80,6 +81,7 @@ struct Settings {
     std::string lutFile;            ///< path of the file that `lut` was read from; empty = none
     LutCurve lutCurve;              ///< what `lut` was calculated from when lut.curve is given
     std::vector<std::uint16_t> lut; ///< kLutEntries values, or none
+    double lutClipLimit = 4;        ///< steepest part of a computed table, in straight lines
 
     std::vector<IoboxSetting> iobox;
 
