@@ -9,18 +9,20 @@
 #include <csignal>
 #include <cstdio>
 
+#include <unistd.h>
+
 namespace kxhost {
 namespace {
 
-GrabSummary summarize(const GrabResult& result, const ExportTotals& exported)
+GrabSummary summarize(const GrabResult& result, const Settings& settings,
+                      const ExportTotals& exported)
 {
-    const HostServices& host = services();
-    const GrabCounts& counts = host.counts;
+    const GrabCounts& counts = services().counts;
     GrabSummary summary;
     summary.exitCode = result.exitCode;
     summary.reason = result.reason;
-    summary.folder = host.settings.outputFolder;
-    summary.passes = result.passes;
+    summary.folder = settings.outputFolder;
+    summary.passes = counts.passes;
     summary.retrieved = counts.retrieved;
     summary.missing = counts.missing;
     summary.timing = counts.timing;
@@ -35,9 +37,8 @@ GrabSummary summarize(const GrabResult& result, const ExportTotals& exported)
 }
 
 /// What the export and the losses make of a result: the first thing that went wrong counts.
-void judge(GrabSummary& summary, const std::string& exportError)
+void judge(GrabSummary& summary, std::int64_t maxLosses, const std::string& exportError)
 {
-    const std::int64_t maxLosses = services().settings.maxLosses;
     const std::uint64_t lost = lostFrames(summary);
     if (!exportError.empty()) {
         summary.exitCode = kExitExport;
@@ -93,25 +94,38 @@ int report(const CommandLine& commandLine, GrabSummary summary)
     return summary.exitCode;
 }
 
-int grab(const CommandLine& commandLine, const Plugin& plugin)
+int grab(const CommandLine& commandLine, const Configuration& configuration, const Plugin& plugin)
 {
     HostServices& host = services();
-    ExportQueue queue(exportSettings(host.settings));
+    const Settings& settings = configuration.settings;
+    ExportQueue queue(exportSettings(settings));
     if (const std::string error = queue.start(); !error.empty()) {
         complain(error);
         return giveUp(commandLine, kExitExport, error);
     }
     host.queue = &queue;
+    host.plugin = &plugin;
+    ConfigFollower follower({commandLine.configuration, commandLine.overrides}, configuration,
+                            host.offers, complain);
     GrabResult result;
     {
-        Progress progress(host.counts, host.settings.frames, commandLine.quiet);
-        result = runGrab(plugin, progress.tickMs(), [&] { progress.show(queue.totals()); });
+        Progress progress(host.counts, settings.frames, commandLine.quiet);
+        const bool watch = settings.watchConfiguration && !commandLine.configuration.empty();
+        result = runGrab(plugin, follower, watch, progress.tickMs(),
+                         [&] { progress.show(queue.totals()); });
+    }
+    queue.finish();
+    GrabSummary summary = summarize(result, settings, queue.totals());
+    judge(summary, settings.maxLosses, queue.firstError());
+    const int exitCode = report(commandLine, summary);
+    if (result.abandoned) {
+        // The grab thread may still use all of this.
+        std::fflush(nullptr);
+        _exit(exitCode);
     }
     host.queue = nullptr;
-    queue.finish();
-    GrabSummary summary = summarize(result, queue.totals());
-    judge(summary, queue.firstError());
-    return report(commandLine, summary);
+    host.plugin = nullptr;
+    return exitCode;
 }
 
 } // namespace
@@ -128,7 +142,7 @@ int commandGrab(const CommandLine& commandLine)
         }
     }
     const Settings& settings = services().settings = configuration.settings;
-    blockTerminationSignals();
+    blockSteeringSignals();
     // A file that may not grow is an error of its write, as on a full disk, and no reason to die.
     std::signal(SIGXFSZ, SIG_IGN);
     // Nor is a reader of the log that went away.
@@ -137,7 +151,7 @@ int commandGrab(const CommandLine& commandLine)
         const Plugin plugin(commandLine.plugin);
         plugin.setLogging(static_cast<std::uint32_t>(settings.logLevel),
                           static_cast<std::uint32_t>(settings.logSinks), settings.logId);
-        return grab(commandLine, plugin);
+        return grab(commandLine, configuration, plugin);
     } catch (const LoadError& error) {
         complain(error.what());
         return giveUp(commandLine, error.exitCode(), error.what());

@@ -3,9 +3,11 @@
 
 #include <CLI/CLI.hpp>
 
+#include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <functional>
+#include <map>
 
 namespace kxhost {
 namespace {
@@ -24,8 +26,12 @@ Examples:
   kxhost check -c camera.toml
       What a configuration says, key by key, and its mistakes.
 
+  kxhost ctl 1234 reload
+      Lets the grab with the process id 1234 read its configuration again.
+
 A first Ctrl-C (or SIGTERM) finishes: every frame accepted so far is written. A second one ends at
-once. The keys of a configuration are in docs/configuration.md.
+once. SIGHUP reads the configuration again, SIGUSR1 computes a look-up table from the picture,
+SIGUSR2 does so with 12 bits; "kxhost ctl" sends them. The keys of a configuration are in docs/configuration.md.
 
 Exit codes:
   0  fine                                6  frames could not be written
@@ -34,7 +40,22 @@ Exit codes:
   3  configuration                       9  the camera library cannot be loaded
   4  no camera in time                  10  the camera library is of another release
   5  the camera failed or was lost          than the plug-in
+                                        11  ctl: no grab has that process id
 130 and 143 stand for a second Ctrl-C or SIGTERM, which does not wait for frames to be written.
+)";
+
+/// What `kxhost ctl` sends for its words.
+const std::map<std::string, int> kCtlWords = {
+    {"finish", SIGTERM}, {"reload", SIGHUP}, {"lut", SIGUSR1}, {"lut12", SIGUSR2}};
+
+constexpr const char* kCtlFooter = R"(
+  finish   write every frame accepted so far and end (SIGTERM)
+  reload   read the configuration again and take it over as a whole (SIGHUP)
+  lut      compute a look-up table from the next picture and load it (SIGUSR1)
+  lut12    the same from a picture of 12 bits, and back to 8 (SIGUSR2)
+
+Exit codes: 0 the signal is sent, 2 usage, 11 no grab has that process id, or it belongs to somebody
+else.
 )";
 
 /// Options that are another way to set a configuration key.
@@ -79,6 +100,7 @@ public:
         addList();
         addCheck();
         addVersion();
+        addCtl();
         app_.add_flag_callback(
             "--version", [] { throw CLI::CallForVersion(); }, "The same as the verb version");
         try {
@@ -138,6 +160,19 @@ private:
     {
         CLI::App* app = addVerb("version", Verb::kVersion, "Print the versions");
         addPluginOptions(app);
+    }
+
+    void addCtl()
+    {
+        CLI::App* app = addVerb("ctl", Verb::kCtl, "Steer a grab that runs");
+        app->footer(kCtlFooter);
+        app->add_option("PID", result_.pid, "Process id of the grab")
+            ->required()
+            ->check(CLI::PositiveNumber);
+        app->add_option("WORD", result_.signal, "What it shall do")
+            ->required()
+            ->transform(CLI::CheckedTransformer(kCtlWords, CLI::ignore_case)
+                            .description("finish, reload, lut or lut12"));
     }
 
     void addConfigurationOptions(CLI::App* app)

@@ -10,7 +10,7 @@
 
 namespace kxhost {
 
-enum class Verb { kGrab, kList, kCheck, kVersion };
+enum class Verb { kGrab, kList, kCheck, kVersion, kCtl };
 
 struct CommandLine {
     Verb verb = Verb::kGrab;
@@ -19,6 +19,8 @@ struct CommandLine {
     PluginChoice plugin;
     std::string summaryFile; ///< empty = none
     bool quiet = false;      ///< neither progress nor summary
+    int pid = 0;             ///< ctl: the process of a grab
+    int signal = 0;          ///< ctl: what to send it
 };
 
 /// Reads the command line. On help and on mistakes it writes what there is to say and returns the

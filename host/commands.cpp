@@ -7,11 +7,6 @@
 
 namespace kxhost {
 
-void complain(const std::string& sentence)
-{
-    std::fprintf(stderr, "kxhost: %s\n", sentence.c_str());
-}
-
 bool configure(const CommandLine& commandLine, Configuration& configuration)
 {
     const ConfigErrors errors =

@@ -4,6 +4,7 @@
 
 #include "command_line.h"
 #include "config.h"
+#include "notice.h"
 
 namespace kxhost {
 
@@ -11,13 +12,11 @@ int commandGrab(const CommandLine& commandLine);
 int commandList(const CommandLine& commandLine);
 int commandCheck(const CommandLine& commandLine);
 int commandVersion(const CommandLine& commandLine);
+int commandCtl(const CommandLine& commandLine);
 
 /// Reads the configuration that the command line asks for; writes its problems, one per line.
 /// Returns false when there are any.
 bool configure(const CommandLine& commandLine, Configuration& configuration);
-
-/// Writes one sentence to standard error.
-void complain(const std::string& sentence);
 
 } // namespace kxhost
 

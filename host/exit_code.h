@@ -17,6 +17,7 @@ enum ExitCode : int {
     kExitPlugin = 8,        ///< the plug-in cannot be loaded
     kExitNoLibrary = 9,     ///< the camera library cannot be loaded
     kExitLibraryAge = 10,   ///< the camera library is of another release than the plug-in
+    kExitNoGrab = 11,       ///< ctl: no grab has that process id
 };
 
 } // namespace kxhost

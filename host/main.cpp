@@ -23,6 +23,8 @@ int main(int argc, char** argv)
             return commandCheck(*parsed.commandLine);
         case Verb::kVersion:
             return commandVersion(*parsed.commandLine);
+        case Verb::kCtl:
+            return commandCtl(*parsed.commandLine);
         }
     } catch (const std::exception& error) {
         complain(error.what());

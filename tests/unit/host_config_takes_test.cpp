@@ -11,7 +11,8 @@ namespace kxhost {
 namespace {
 
 constexpr std::string_view kOnlyAtStart =
-    "camera.model camera.serial camera.bus_mask camera.wait grab.frames grab.max_losses log.sinks "
+    "camera.model camera.serial camera.bus_mask camera.wait grab.frames grab.max_losses grab.watch "
+    "log.sinks "
     "log.id output.folder output.prefix output.format output.bayer output.compression "
     "output.metadata output.overwrite output.queue output.when_full output.writers ";
 constexpr std::string_view kByRestart =
@@ -23,7 +24,8 @@ constexpr std::string_view kByReload =
 constexpr std::string_view kAtOnce =
     "acquisition.exposure acquisition.exposure_mode acquisition.gain acquisition.gain_mode "
     "acquisition.gamma color.saturation color.white_balance_red color.white_balance_blue "
-    "auto.auto_exposure lut.table lut.file lut.curve lut.bits lut.mode iobox.pin iobox.mode "
+    "auto.auto_exposure lut.table lut.file lut.curve lut.bits lut.mode lut.clip_limit iobox.pin "
+    "iobox.mode "
     "iobox.source iobox.invert iobox.delay iobox.duration iobox.bits iobox.word "
     "iobox.timeout_polls iobox.gap_polls "
     "log.level ";

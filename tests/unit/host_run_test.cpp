@@ -1,16 +1,13 @@
-// What surrounds a grab: exit codes of passes, the wish to end, inventory, loader messages.
-#include "grab_run.h"
+// What surrounds a grab: exit codes of passes, inventory, loader messages.
+#include "grab_passes.h"
 #include "installation.h"
 #include "inventory.h"
 #include "plugin.h"
-#include "termination.h"
 
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <filesystem>
 #include <fstream>
-#include <thread>
 
 namespace kxhost {
 namespace {
@@ -28,20 +25,6 @@ TEST(Pass, CodesOfThePluginBecomeExitCodes)
     }
     EXPECT_EQ(describePass(-10, true).exitCode, kExitFine);
     EXPECT_NE(describePass(-99, false).reason.find("-99"), std::string::npos);
-}
-
-TEST(TerminationTest, ASleepEndsWithTheRequest)
-{
-    using namespace std::chrono_literals;
-    Termination termination;
-    EXPECT_FALSE(termination.sleep(1ms));
-    std::thread other([&] { termination.request(kFinishInterrupt); });
-    EXPECT_TRUE(termination.sleep(1h));
-    other.join();
-    EXPECT_EQ(termination.pending(), kFinishInterrupt);
-    termination.acknowledge();
-    EXPECT_EQ(termination.pending(), 0);
-    EXPECT_TRUE(termination.requested());
 }
 
 constexpr std::string_view kLog =

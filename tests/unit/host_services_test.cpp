@@ -6,7 +6,6 @@
 
 #include <filesystem>
 #include <fstream>
-#include <numeric>
 #include <vector>
 
 namespace kxhost {
@@ -50,6 +49,40 @@ TEST_F(Services, AsksForOneFrameMoreThanIsExported)
     EXPECT_EQ(KxGiMainCtx__GetFnum(), 0U);
     settings().frames = 10;
     EXPECT_EQ(KxGiMainCtx__GetFnum(), 11U);
+    settings().frames = 4294967293U;
+    EXPECT_EQ(KxGiMainCtx__GetFnum(), 4294967294U);
+}
+
+TEST_F(Services, AGrabThatStartsAgainGoesOnCounting)
+{
+    settings().frames = 10;
+    KxGi__ResetTermSigProc();
+    for (int frame = 0; frame < 4; ++frame) {
+        KxGi__HaltStop(640, 480, 20);
+    }
+    KxGi__SetTermSigProc();
+    EXPECT_EQ(KxGiMainCtx__GetFnum(), 8U) << "three of the four were exported";
+    KxGi__ResetTermSigProc();
+    for (int frame = 0; frame < 20; ++frame) {
+        KxGi__HaltStop(640, 480, 20);
+    }
+    EXPECT_EQ(KxGiMainCtx__GetFnum(), 1U) << "never without end";
+    settings().frames = 0;
+    EXPECT_EQ(KxGiMainCtx__GetFnum(), 0U);
+}
+
+TEST_F(Services, APassOfTwelveBitsGivesTheFormatBack)
+{
+    for (const int format : {1, 9}) {
+        settings().pixelFormat = format;
+        KxGiMainCtx__SetFormat(2);
+        EXPECT_EQ(KxGiMainCtx__GetFormat(), 2);
+        KxGiMainCtx__SetFormat(1);
+        EXPECT_EQ(KxGiMainCtx__GetFormat(), format);
+    }
+    settings().pixelFormat = 3;
+    KxGiMainCtx__SetFormat(1);
+    EXPECT_EQ(KxGiMainCtx__GetFormat(), 1) << "without a pass it is what was asked for";
 }
 
 TEST_F(Services, GettersAnswerTheSettings)
@@ -182,24 +215,39 @@ TEST_F(Services, WithoutEnoughMemoryThereIsNoPool)
 
 TEST_F(Services, ASignalStaysUntilItHasBeenActedOn)
 {
-    services().termination.request(kFinishTerminate);
+    services().signals.post(kFinishTerminate);
     EXPECT_EQ(KxUtl__CheckSignal(), 0);
     KxGi__ResetTermSigProc();
     EXPECT_EQ(KxUtl__CheckSignal(), 5);
     EXPECT_EQ(KxUtl__CheckSignal(), 5);
     KxGi__SetSignalAction(5);
     EXPECT_EQ(KxUtl__CheckSignal(), 0);
-    EXPECT_TRUE(services().termination.requested());
+    EXPECT_TRUE(services().signals.finishAsked());
     KxGi__SetTermSigProc();
     EXPECT_EQ(KxUtl__CheckSignal(), 0);
 }
 
-TEST_F(Services, OnlyTheFirstRequestCounts)
+TEST_F(Services, ATableSignalGoesWithTheFrameBehindItsPoll)
 {
     KxGi__ResetTermSigProc();
-    services().termination.request(kFinishInterrupt);
-    services().termination.request(kFinishTerminate);
-    EXPECT_EQ(KxUtl__CheckSignal(), 1);
+    services().signals.post(kLut);
+    EXPECT_EQ(KxUtl__CheckSignal(), 3);
+    KxGi__HaltUpdate(640, -321); // no frame came: the loop forgets what it polled
+    EXPECT_EQ(KxUtl__CheckSignal(), 3);
+    KxGi__HaltStop(640, 480, 20);
+    EXPECT_EQ(KxUtl__CheckSignal(), 0);
+}
+
+TEST_F(Services, OtherSignalsWaitForTheLoopButAReloadDoesNot)
+{
+    services().signals.post(kLut12);
+    services().signals.post(kReload);
+    EXPECT_EQ(KxUtl__CheckSignal(), 2);
+    int restart = 0;
+    EXPECT_GT(KxGi__DoReconfig(&restart), 0) << "nothing is offered";
+    EXPECT_EQ(KxUtl__CheckSignal(), 0);
+    KxGi__ResetTermSigProc();
+    EXPECT_EQ(KxUtl__CheckSignal(), 4);
 }
 
 TEST_F(Services, WithoutFramesARequestEndsTheLoopByAnException)
@@ -207,33 +255,12 @@ TEST_F(Services, WithoutFramesARequestEndsTheLoopByAnException)
     KxGi__ResetTermSigProc();
     KxGi__HaltUpdate(640, -321);
     KxGi__HaltUpdate(640, -321);
-    services().termination.request(kFinishInterrupt);
+    services().signals.post(kFinishInterrupt);
     EXPECT_NO_THROW(KxGi__HaltUpdate(640, -321));
     KxGi__HaltStop(640, 480, 20);
     EXPECT_NO_THROW(KxGi__HaltUpdate(640, -321));
     EXPECT_THROW(KxGi__HaltUpdate(640, -321), std::exception);
     EXPECT_EQ(counts().missing, 5U);
-}
-
-TEST_F(Services, WithoutReconfigurationThereIsNothingToReadAnew)
-{
-    int restart = 0;
-    EXPECT_NE(KxGi__DoReconfig(&restart), 0);
-    EXPECT_EQ(restart, 0);
-    EXPECT_EQ(KxGi__CheckDynConfig(), 0);
-}
-
-TEST_F(Services, WithoutDynamicTableTheTableChangesNothing)
-{
-    std::vector<std::uint32_t> cdf(16, 3);
-    const std::vector<std::uint8_t> pixels(4, 1);
-    KxGi__CalcLutDynam(pixels.data(), 2, 2, 2, 4, cdf.data());
-    EXPECT_EQ(cdf, std::vector<std::uint32_t>(16, 3));
-    std::vector<std::uint16_t> lut(256);
-    KxGi__GetLutDynam(8, cdf.data(), 12, lut.data());
-    std::vector<std::uint16_t> same(256);
-    std::iota(same.begin(), same.end(), std::uint16_t{0});
-    EXPECT_EQ(lut, same);
 }
 
 TEST_F(Services, DifferencesOfTimesBorrowFromTheSeconds)
@@ -393,7 +420,7 @@ TEST_F(HandOver, AFailedExportEndsTheGrab)
     KxSc__ProcExport(1000);
     queue.finish();
     EXPECT_NE(trigger(2, 2000), 0);
-    EXPECT_TRUE(services().termination.requested());
+    EXPECT_TRUE(services().signals.finishAsked());
     services().queue = nullptr;
 }
 

@@ -1,0 +1,67 @@
+// kxhost ctl: words become signals, and nobody else is hurt.
+#include "live_grab.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using kxtest::Finished;
+using kxtest::GrabSession;
+using kxtest::kxhostPath;
+using kxtest::LiveGrab;
+
+Finished ctl(pid_t pid, const std::string& word)
+{
+    return kxtest::run({kxhostPath(), "ctl", std::to_string(pid), word});
+}
+
+std::string pacedBus()
+{
+    kxtest::TestSensor sensor;
+    sensor.paced = true;
+    return kxtest::busWith(sensor);
+}
+
+TEST(SessionCtl, WordsReachTheGrab)
+{
+    GrabSession session;
+    session.bus = pacedBus();
+    LiveGrab grab(session);
+    grab.waitForMoreFrames(2);
+    EXPECT_EQ(ctl(grab.process().pid(), "reload").code, 0);
+    grab.waitForMoreFrames(2);
+    EXPECT_EQ(ctl(grab.process().pid(), "lut").code, 0);
+    grab.waitForMoreFrames(2);
+    EXPECT_EQ(ctl(grab.process().pid(), "finish").code, 0);
+    EXPECT_EQ(grab.process().wait(), 0) << grab.process().standardError();
+    grab.waitForMessage("kxhost: Reloaded ");
+    kxtest::expectBalance(session);
+}
+
+TEST(SessionCtl, AnyOtherWordIsAMistake)
+{
+    const Finished finished = ctl(1, "explode");
+    EXPECT_EQ(finished.code, 2);
+    EXPECT_NE(finished.err.find("lut12"), std::string::npos) << finished.err;
+    EXPECT_EQ(kxtest::run({kxhostPath(), "ctl", "0", "lut"}).code, 2);
+    EXPECT_EQ(kxtest::run({kxhostPath(), "ctl", "lut"}).code, 2);
+}
+
+TEST(SessionCtl, AProcessThatIsNotThereIsNamed)
+{
+    // Process ids end far below.
+    const Finished finished = ctl(2147483646, "reload");
+    EXPECT_EQ(finished.code, 11);
+    EXPECT_EQ(finished.err, "kxhost: There is no process 2147483646.\n");
+}
+
+TEST(SessionCtl, OtherProcessesAreLeftAlone)
+{
+    kxtest::Process other({"/bin/sleep", "60"});
+    const Finished finished = ctl(other.pid(), "finish");
+    EXPECT_EQ(finished.code, 11);
+    EXPECT_NE(finished.err.find(" is not kxhost but "), std::string::npos) << finished.err;
+    EXPECT_TRUE(other.running());
+}
+
+} // namespace
