@@ -14,6 +14,11 @@ inline std::string noArguments()
 {
     return {};
 }
+/// Ending of a call that was meant for all cameras of the bus.
+inline std::string broadcastText(bool broadcast)
+{
+    return broadcast ? " broadcast" : "";
+}
 std::string hexText(std::uint32_t value);                                   ///< "0x1EA8"
 std::string propertyText(const FlyCapture2::Property& property);            ///< "GAIN abs=3.5 on"
 std::string format7Text(const FlyCapture2::Format7ImageSettings& settings); ///< "640x480+0+0 MONO8"

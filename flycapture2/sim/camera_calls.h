@@ -39,9 +39,10 @@ public:
     // ---- Properties and registers.
     Error getPropertyInfo(FlyCapture2::PropertyInfo* info);
     Error getProperty(FlyCapture2::Property* property);
-    Error setProperty(const FlyCapture2::Property* property);
+    /// A broadcast shows in the record of calls, but reaches only this camera.
+    Error setProperty(const FlyCapture2::Property* property, bool broadcast);
     Error getTriggerModeInfo(FlyCapture2::TriggerModeInfo* info);
-    Error writeRegister(unsigned address, unsigned value);
+    Error writeRegister(unsigned address, unsigned value, bool broadcast);
     Error readRegister(unsigned address, unsigned* value);
     Error getCycleTime(FlyCapture2::TimeStamp* time);
     Error getStrobeInfo(FlyCapture2::StrobeInfo* info);

@@ -20,10 +20,11 @@ Error CameraCalls::getProperty(FlyCapture2::Property* property)
         [&](Device& device) { return device.properties().get(*property); });
 }
 
-Error CameraCalls::setProperty(const FlyCapture2::Property* property)
+Error CameraCalls::setProperty(const FlyCapture2::Property* property, bool broadcast)
 {
     return camera(
-        "SetProperty", property != nullptr, [&] { return propertyText(*property); },
+        "SetProperty", property != nullptr,
+        [&] { return propertyText(*property) + broadcastText(broadcast); },
         [&](Device& device) { return device.setProperty(*property); });
 }
 
@@ -35,10 +36,11 @@ Error CameraCalls::getTriggerModeInfo(FlyCapture2::TriggerModeInfo* info)
     });
 }
 
-Error CameraCalls::writeRegister(unsigned address, unsigned value)
+Error CameraCalls::writeRegister(unsigned address, unsigned value, bool broadcast)
 {
     return camera(
-        "WriteRegister", true, [&] { return hexText(address) + " " + hexText(value); },
+        "WriteRegister", true,
+        [&] { return hexText(address) + " " + hexText(value) + broadcastText(broadcast); },
         [&](Device& device) { return device.writeRegister(address, value); });
 }
 

@@ -63,6 +63,7 @@ TEST_F(ChunksTest, UsesWhatAFailedReadGives)
     EXPECT_EQ(published<float>(kKxScGainDb), -1);
     EXPECT_EQ(published<float>(kKxScExposureUs), -1000);
     EXPECT_EQ(proc_->exposureUs, -1000);
+    EXPECT_EQ(cam_->expoTimeUs, static_cast<std::uint32_t>(-1000));
 }
 
 TEST_F(ChunksTest, SurvivesAnExposureOutOfRange)

@@ -1,6 +1,7 @@
 // Results of the configuration: buffer sizes, frame period, and what a later pass changes.
 #include "configuration_fixture.h"
 
+#include <algorithm>
 #include <limits>
 
 using kxtest::format;
@@ -142,6 +143,56 @@ TEST_F(ConfigurationResultsTest, ConnectsACameraThatIsNot)
     journal().clear();
     proc_->ProcParametrizeCam(cam_.get(), true);
     EXPECT_THAT(journal().logsWith("Camera is connected"), IsEmpty());
+}
+
+TEST_F(ConfigurationResultsTest, SaysConnectedWhateverTheCameraAnswered)
+{
+    ASSERT_EQ(cam_->Disconnect(), FlyCapture2::PGRERROR_OK);
+    journal().clear();
+    failCalls("Connect");
+    EXPECT_EQ(proc_->ProcParametrizeCam(cam_.get(), true), 0);
+    EXPECT_FALSE(cam_->IsConnected());
+    EXPECT_THAT(journal().logs(), Contains(info("Camera is connected")));
+}
+
+TEST_F(ConfigurationResultsTest, TakesAnExposureThatCannotBeReadAsItReads)
+{
+    cam_->onGetPropertyInfo = [](FlyCapture2::PropertyInfo& property) {
+        property.present = property.type != FlyCapture2::SHUTTER;
+    };
+    ASSERT_EQ(configure(), 0);
+    // The largest number in milliseconds has no end in microseconds.
+    EXPECT_EQ(proc_->curExpoUs, std::numeric_limits<float>::infinity());
+    EXPECT_EQ(cam_->expoTimeUs, 0U);
+
+    gKxLogLevelLib = 0;
+    cam_->onGetPropertyInfo = nullptr;
+    journal().clear();
+    ASSERT_EQ(configure(), 0);
+    const auto asked = journal().lines({"Camera.GetPropertyInfo"});
+    const auto shutter = std::find(asked.begin(), asked.end(), "Camera.GetPropertyInfo(SHUTTER)");
+    ASSERT_NE(shutter, asked.end());
+    failCalls("GetPropertyInfo", static_cast<unsigned>(shutter - asked.begin()));
+    ASSERT_EQ(configure(), 0);
+    EXPECT_EQ(proc_->curExpoUs, -1000.0F);
+    EXPECT_EQ(cam_->expoTimeUs, static_cast<std::uint32_t>(-1000));
+}
+
+TEST_F(ConfigurationResultsTest, ForgetsColourWithTheFormat)
+{
+    host().config.format = 5;
+    ASSERT_EQ(configure(), 0);
+    EXPECT_TRUE(proc_->isColor);
+    EXPECT_THAT(journal().logsWith("WhiteBalance settings handler"), testing::SizeIs(1));
+    for (const std::uint8_t format : {std::uint8_t{1}, std::uint8_t{9}}) {
+        proc_->isColor = true;
+        journal().clear();
+        host().config.format = format;
+        ASSERT_EQ(configure(), 0);
+        EXPECT_FALSE(proc_->isColor);
+        EXPECT_THAT(journal().logsWith("WhiteBalance settings handler"), IsEmpty());
+        EXPECT_THAT(journal().logsWith("Saturation settings handler"), IsEmpty());
+    }
 }
 
 TEST_F(ConfigurationResultsTest, TakesTheConfigurationAnewEachTime)

@@ -86,6 +86,23 @@ TEST_F(ExceptionsTest, OfTheHostEndTheGrabToo)
     expectEnded("An unhandled exception occured (-10): no space");
 }
 
+TEST_F(ExceptionsTest, BeforeTheFirstIterationPassThrough)
+{
+    // Nothing has begun that would have to be ended in order.
+    for (const char* const operation :
+         {"GetFormat7Info", "SetConfiguration", "SetUserBuffers", "StartCapture"}) {
+        SCOPED_TRACE(operation);
+        connect();
+        throwIn(operation, 0, "not yet", false);
+        EXPECT_THROW(grab(3), std::runtime_error);
+        EXPECT_THAT(journal().logsWith("exception"), IsEmpty());
+        EXPECT_THAT(journal().logsWith("GRABBING IS DONE"), IsEmpty());
+        EXPECT_EQ(journal().count("KxGi__ResetTermSigProc"), 0U);
+        EXPECT_EQ(journal().count("KxGi__SetTermSigProc"), 0U);
+    }
+    EXPECT_EQ(grab(3), 0);
+}
+
 TEST_F(ExceptionsTest, OfOtherTypesPassThrough)
 {
     struct Other {};

@@ -210,6 +210,26 @@ INSTANTIATE_TEST_SUITE_P(GrabLoop, GrabLoopStatusTest,
                                            one.param.frames);
                          });
 
+TEST_F(GrabLoopTest, CountsOnlyFramesForTheStatus)
+{
+    // 30 frames per second are reported at every 18th frame; each one comes after two drops here.
+    std::vector<ScriptedFrame> frames;
+    for (const ScriptedFrame& frame : steadyFrames(19)) {
+        frames.insert(frames.end(), {{0, 0, true}, {0, 0, true}, frame});
+    }
+    std::vector<unsigned> reportedAt;
+    unsigned retrievals = 0;
+    cam_->onRetrieve = [&retrievals](unsigned number) { retrievals = number; };
+    host().onCall = [&](std::string_view name) {
+        if (name == "KxUtl__UpdateGrabState") {
+            reportedAt.push_back(retrievals);
+        }
+    };
+    ASSERT_EQ(grab(frames), 0);
+    EXPECT_EQ(journal().count("KxGi__HaltUpdate"), 38U);
+    EXPECT_THAT(reportedAt, ElementsAre(3U, 57U));
+}
+
 TEST_F(GrabLoopTest, GoesOnUntilASignalWithoutFrameCount)
 {
     int polls = 0;

@@ -1,10 +1,13 @@
 // Camera properties: what is written to the camera, and what is said about it.
 #include "properties_fixture.h"
 
+#include <limits>
+
 using FlyCapture2::GAIN;
 using kxtest::format;
 using kxtest::info;
 using kxtest::journal;
+using kxtest::warning;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::SizeIs;
@@ -54,6 +57,48 @@ INSTANTIATE_TEST_SUITE_P(Properties, PropertySetAbsTest,
                                          Absolute{"Under", -2.6F, 3.5F},
                                          Absolute{"Over", 24.1F, 3.5F}),
                          [](const auto& one) { return std::string(one.param.name); });
+
+TEST_F(PropertiesWriteTest, WritesTheCurrentValueForWhatIsNoNumber)
+{
+    EXPECT_EQ(cam_->ExPropertySetAbs(GAIN, std::numeric_limits<float>::quiet_NaN()), 0);
+    ASSERT_THAT(cam_->written, SizeIs(1));
+    EXPECT_EQ(cam_->written[0].absValue, 3.5F);
+}
+
+TEST_F(PropertiesWriteTest, NamesARefusedTypeByItsEntry)
+{
+    // Type 32 has the entry of 13; this camera lets it be asked for, but not set.
+    const auto type = static_cast<FlyCapture2::PropertyType>(32);
+    for (const char* const operation : {"GetPropertyInfo", "GetProperty"}) {
+        fcsim::Fault fault;
+        fault.operation = operation;
+        fault.skipEffect = true;
+        fault.count = 0;
+        fcsim::addFault(fault);
+    }
+    cam_->onGetPropertyInfo = [](FlyCapture2::PropertyInfo& info) { info.present = true; };
+    failCalls("SetProperty", 0, 0);
+    EXPECT_EQ(cam_->ExPropertySetAbs(type, 1), -4);
+    EXPECT_EQ(cam_->ExPropertySetRel(type, 1, 1), -4);
+    EXPECT_EQ(cam_->ExPropertySetEna(type, true), -4);
+    EXPECT_EQ(cam_->ExPropertySetAutoOff(type), -4);
+    EXPECT_THAT(journal().logs(),
+                ElementsAre(warning("ExPropertySetAbs", "can't set property 13 (GAIN)"),
+                            warning("ExPropertySetRel", "can't set property 13 (GAIN)"),
+                            warning("ExPropertySetEna", "can't set property 13 (GAIN)"),
+                            warning("ExPropertySetEnaAutoPush", "can't set property 13 (GAIN)")));
+}
+
+TEST_F(PropertiesWriteTest, WritesToThisCameraAlone)
+{
+    EXPECT_EQ(cam_->ExPropertySetAbs(GAIN, 1), 0);
+    EXPECT_EQ(cam_->ExPropertySetRel(FlyCapture2::WHITE_BALANCE, 100, 100), 0);
+    EXPECT_EQ(cam_->ExPropertySetEna(GAIN, true), -2);
+    EXPECT_EQ(cam_->ExPropertySetAutoOff(GAIN), 0);
+    const auto writes = journal().lines({"Camera.SetProperty"});
+    EXPECT_THAT(writes, SizeIs(4));
+    EXPECT_THAT(writes, testing::Each(testing::Not(HasSubstr("broadcast"))));
+}
 
 TEST_F(PropertiesWriteTest, SwitchesToManualAbsoluteControl)
 {

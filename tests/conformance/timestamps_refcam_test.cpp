@@ -174,6 +174,35 @@ TEST_F(TimestampsRefcamTest, AnchorsAnewWhenTheCameraClockWraps)
     EXPECT_THAT(stamps(), ElementsAre(anchor, anchor + 33'333, anchor + 66'666, wrapped + 33'333));
 }
 
+TEST_F(TimestampsRefcamTest, AnchorsTwiceWhenTheClockWrapsOnTheSecondFrame)
+{
+    cam_->clockRegister = kxtest::packedCycleTime(127'995'000);
+    ASSERT_EQ(
+        grab({{50'000, 127'975'000, false}, {83'333, 8'333, false}, {116'666, 41'666, false}}), 0);
+    // The wrap has moved the anchor to this frame already, which is where the trigger puts it.
+    const std::uint64_t second = startOf(83'333);
+    EXPECT_THAT(journal().logsWith("Loop_2(2)"),
+                ElementsAre(info("Loop_2(2): bTS wrap is detected: old 127975000us, new 8333us"),
+                            trigger(2, second - 8'333, second - 8'333, 0, second)));
+    EXPECT_THAT(stamps(), ElementsAre(second, second + 33'333));
+}
+
+TEST_F(TimestampsRefcamTest, AnchorsTwiceWhenTheClockWrapsOnAnImpossiblePrediction)
+{
+    cam_->clockRegister = kxtest::packedCycleTime(127'961'667);
+    ASSERT_EQ(grab({{50'000, 127'941'667, false},
+                    {83'333, 127'975'000, false},
+                    {86'000, 8'333, false},
+                    {149'999, 41'666, false}}),
+              0);
+    const std::uint64_t second = startOf(83'333);
+    const std::uint64_t third = startOf(86'000);
+    EXPECT_THAT(journal().logsWith("Loop_3(3)"),
+                ElementsAre(info("Loop_3(3): bTS wrap is detected: old 127975000us, new 8333us"),
+                            trigger(3, third - 8'333, third - 8'333, second + 33'333, third)));
+    EXPECT_THAT(stamps(), ElementsAre(second, third, third + 33'333));
+}
+
 TEST_F(TimestampsRefcamTest, AnchorsAnewWhenAPredictionCannotBe)
 {
     // The third frame arrives before its predicted start.

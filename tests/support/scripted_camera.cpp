@@ -104,12 +104,6 @@ Error ScriptedCamera::ReadRegister(unsigned int address, unsigned int* value)
     return error;
 }
 
-Error ScriptedCamera::WriteRegister(unsigned int address, unsigned int value, bool broadcast)
-{
-    broadcasts = broadcasts || broadcast;
-    return CExCam::WriteRegister(address, value, broadcast);
-}
-
 Error ScriptedCamera::GetPropertyInfo(FlyCapture2::PropertyInfo* info)
 {
     const Error error = CExCam::GetPropertyInfo(info);
@@ -135,7 +129,6 @@ Error ScriptedCamera::GetProperty(FlyCapture2::Property* property)
 Error ScriptedCamera::SetProperty(const FlyCapture2::Property* property, bool broadcast)
 {
     written.push_back(*property);
-    broadcasts = broadcasts || broadcast;
     return CExCam::SetProperty(property, broadcast);
 }
 

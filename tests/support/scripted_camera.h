@@ -65,7 +65,6 @@ public:
     // ---- What the camera was told.
 
     std::vector<FlyCapture2::Property> written;
-    bool broadcasts = false; ///< whether one of the writes went to all cameras of the bus
     std::vector<FlyCapture2::FC2Config> configurations;
     std::vector<FlyCapture2::Format7ImageSettings> format7;
     std::vector<unsigned> packetSizes;
@@ -76,8 +75,6 @@ public:
     FlyCapture2::Error RetrieveBuffer(FlyCapture2::Image* image) override;
     FlyCapture2::Error StartCapture(FlyCapture2::ImageEventCallback callback,
                                     const void* data) override;
-    FlyCapture2::Error WriteRegister(unsigned int address, unsigned int value,
-                                     bool broadcast) override;
     FlyCapture2::Error ReadRegister(unsigned int address, unsigned int* value) override;
     FlyCapture2::Error GetPropertyInfo(FlyCapture2::PropertyInfo* info) override;
     FlyCapture2::Error GetProperty(FlyCapture2::Property* property) override;
