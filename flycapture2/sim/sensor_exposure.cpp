@@ -33,8 +33,7 @@ Exposure makeExposure(const SceneSettings& scene, const SensorSettings& sensor,
     exposure.offset = static_cast<float>(black);
     exposure.slopeVariance = static_cast<float>(signal * gain * levelsPerElectron);
     exposure.offsetVariance = static_cast<float>(readNoise * readNoise);
-    exposure.ceiling =
-        static_cast<float>(std::min(kFullScale * std::min(gain, 1.0) + black, kFullScale));
+    exposure.ceiling = static_cast<float>(std::min(kFullScale * gain + black, kFullScale));
     exposure.kept = 0xFFFFU << (16 - std::clamp(sensor.bitDepth, 8U, 12U)) & 0xFFFFU;
     return exposure;
 }

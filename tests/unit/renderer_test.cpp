@@ -57,6 +57,18 @@ TEST(Renderer, FramesDependOnTheirRequestAlone)
     }
 }
 
+/// The chart tells exposure and gain, so that one frame number has many looks.
+TEST(Renderer, TheSameFrameIsPaintedAnewForOtherSettings)
+{
+    Renderer renderer(SceneSettings{}, quietSensor());
+    FrameRequest request = wholeFrame(PIXEL_FORMAT_MONO8, 5);
+    frameOf(renderer, request);
+    request.state.shutterUs = 7999;
+    EXPECT_EQ(frameOf(renderer, request), freshFrame(quietSensor(), request));
+    request.state.gainDb = 0.01F;
+    EXPECT_EQ(frameOf(renderer, request), freshFrame(quietSensor(), request));
+}
+
 TEST(Renderer, NeighbouringFramesDiffer)
 {
     Renderer renderer(SceneSettings{}, quietSensor(NONE));
