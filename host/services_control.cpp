@@ -1,5 +1,7 @@
 // Host services: control of the grab, signals, frame presence and small utilities.
+#include "config_change.h"
 #include "config_takeover.h"
+#include "notice.h"
 #include "service_exports.h"
 #include "services.h"
 
@@ -46,10 +48,14 @@ void KxGi__SetNewCfgPlugin() {}
 
 void KxGi__SetSignalAction(int action)
 {
-    if (action == kxhost::kReload) {
-        services().startAgain = true;
-    } else {
-        services().signals.acted(action);
+    kxhost::HostServices& host = services();
+    if (action != kxhost::kReload) {
+        host.signals.acted(action);
+        return;
+    }
+    host.startAgain = true;
+    if (host.before != nullptr && !kxhost::needsRestart(*host.before, host.settings)) {
+        kxhost::complain("The camera cannot go on with it: the grab ends and starts again.");
     }
 }
 

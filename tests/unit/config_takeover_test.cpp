@@ -127,12 +127,23 @@ TEST_F(ConfigTakeover, AReloadWithNewGeometryStartsAgain)
               "kxhost: Reloaded camera.toml (some.key): the grab ends and starts again with it.\n");
     EXPECT_NE(restart, 0);
     EXPECT_FALSE(host().startAgain);
-    KxGi__SetSignalAction(2);
+    EXPECT_EQ(said([] { KxGi__SetSignalAction(2); }), "") << "that was said";
     EXPECT_TRUE(host().startAgain);
     KxGi__SetTermSigProc();
     EXPECT_EQ(KxGiMainCtx__GetWidth(), 640U);
     KxGi__ResetTermSigProc();
     EXPECT_FALSE(host().startAgain) << "a loop of the same session has done so";
+}
+
+TEST_F(ConfigTakeover, ACameraMayNeedANewStartOfItsOwn)
+{
+    KxGi__ResetTermSigProc();
+    offerReload({});
+    int restart = 0;
+    EXPECT_EQ(KxGi__DoReconfig(&restart), 0);
+    EXPECT_EQ(said([] { KxGi__SetSignalAction(2); }),
+              "kxhost: The camera cannot go on with it: the grab ends and starts again.\n");
+    EXPECT_TRUE(host().startAgain);
 }
 
 TEST_F(ConfigTakeover, WhatThePluginFoundAlreadyIsKept)

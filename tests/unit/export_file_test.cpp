@@ -5,8 +5,10 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
+#include <filesystem>
 
 #include <sys/resource.h>
+#include <unistd.h>
 
 namespace {
 
@@ -107,6 +109,33 @@ TEST(ExportFile, ALineThatDoesNotFitIsTakenBackWhole)
     EXPECT_EQ(file.append("abcdef\n"),
               "Cannot write " + folder.file("lines") + ": File too large.");
     EXPECT_EQ(kxtest::readText(folder.file("lines")), "123456\n");
+}
+
+/// The descriptor under which this process has `path` open; -1 = under none.
+int descriptorOf(const std::string& path)
+{
+    std::error_code ignored;
+    for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) {
+        if (std::filesystem::read_symlink(entry.path(), ignored) == path) {
+            return std::stoi(entry.path().filename());
+        }
+    }
+    return -1;
+}
+
+TEST(ExportFile, LinesReportAnErrorOfItsClosing)
+{
+    const TemporaryFolder folder;
+    const std::string path = std::filesystem::canonical(folder.path()) / "lines";
+    LineFile file;
+    file.open(path);
+    EXPECT_EQ(file.close(), "") << "nothing was opened yet";
+    EXPECT_EQ(file.append("one\n"), "");
+    EXPECT_EQ(file.close(), "");
+    EXPECT_EQ(file.append("two\n"), "");
+    ::close(descriptorOf(path)); // so that closing it again fails
+    EXPECT_EQ(file.close(), "Cannot write " + path + ": Bad file descriptor.");
+    EXPECT_EQ(file.close(), "") << "told once";
 }
 
 } // namespace

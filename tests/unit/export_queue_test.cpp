@@ -310,4 +310,18 @@ TEST(ExportQueue, ReservingWaitsForFramesOfAnotherSize)
     EXPECT_EQ(queue.totals().written, 20U);
 }
 
+TEST(ExportQueueEnd, NothingIsAcceptedBehindTheEnd)
+{
+    const TemporaryFolder folder;
+    ExportQueue queue(settingsFor(folder));
+    ASSERT_EQ(queue.start(), "");
+    ASSERT_TRUE(stageFrame(queue, 1));
+    commitFrame(queue, 1);
+    queue.finish();
+    EXPECT_FALSE(stageFrame(queue, 2)) << "there are no writers any more";
+    commitFrame(queue, 2);
+    EXPECT_EQ(queue.totals().accepted, 1U);
+    EXPECT_EQ(queue.totals().written, 1U);
+}
+
 } // namespace
