@@ -4,7 +4,6 @@
 
 #include <cmath>
 
-using FlyCapture2::FRAME_RATE;
 using FlyCapture2::GAIN;
 using FlyCapture2::GAMMA;
 using FlyCapture2::SATURATION;

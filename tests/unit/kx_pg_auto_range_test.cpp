@@ -89,10 +89,10 @@ RC_GTEST_PROP(RangeWord, GivesBackFlagsAndBothLimits,
               (std::uint32_t current, std::uint32_t min, std::uint32_t max))
 {
     const std::uint32_t shutter = shutterRangeWord(current, {min, max});
-    RC_ASSERT(shutter >> 24U == current >> 24U);
+    RC_ASSERT((shutter >> 24U) == (current >> 24U));
     RC_ASSERT(shutter / 4'096 % 4'096 == min % 4'096);
     RC_ASSERT(shutter % 4'096 == max % 4'096);
-    RC_ASSERT(gainRangeWord(current, {min, max}) == (shutter | 1U << 25U));
+    RC_ASSERT(gainRangeWord(current, {min, max}) == (shutter | (1U << 25U)));
 }
 
 /// Whole numbers of hundredths stay clear of the steps' ends, so that integers tell the result.
