@@ -84,6 +84,15 @@ private:
     {
         return call(operation, Reach::camera, given, describe, [&] { return onDevice(work); });
     }
+    /// The same for what depends on the frames until now, or concerns those from now on.
+    template <class Describe, class Work>
+    Error settings(const char* operation, bool given, const Describe& describe, const Work& work)
+    {
+        return call(operation, Reach::camera, given, describe, [&] {
+            catchUp();
+            return onDevice(work);
+        });
+    }
     /// The same for what the library answers by itself.
     template <class Describe, class Work>
     Error call(const char* operation, Reach reach, bool given, const Describe& describe,

@@ -8,21 +8,21 @@ using FlyCapture2::Error;
 
 Error CameraCalls::getPropertyInfo(FlyCapture2::PropertyInfo* info)
 {
-    return camera(
+    return settings(
         "GetPropertyInfo", info != nullptr, [&] { return propertyName(info->type); },
         [&](Device& device) { return device.properties().info(*info); });
 }
 
 Error CameraCalls::getProperty(FlyCapture2::Property* property)
 {
-    return camera(
+    return settings(
         "GetProperty", property != nullptr, [&] { return propertyName(property->type); },
         [&](Device& device) { return device.properties().get(*property); });
 }
 
 Error CameraCalls::setProperty(const FlyCapture2::Property* property, bool broadcast)
 {
-    return camera(
+    return settings(
         "SetProperty", property != nullptr,
         [&] { return propertyText(*property) + broadcastText(broadcast); },
         [&](Device& device) { return device.setProperty(*property); });
@@ -38,10 +38,14 @@ Error CameraCalls::getTriggerModeInfo(FlyCapture2::TriggerModeInfo* info)
 
 Error CameraCalls::writeRegister(unsigned address, unsigned value, bool broadcast)
 {
-    return camera(
-        "WriteRegister", true,
-        [&] { return hexText(address) + " " + hexText(value) + broadcastText(broadcast); },
-        [&](Device& device) { return device.writeRegister(address, value); });
+    const auto text = [&] {
+        return hexText(address) + " " + hexText(value) + broadcastText(broadcast);
+    };
+    const auto write = [&](Device& device) { return device.writeRegister(address, value); };
+    const bool limits =
+        address == registers::kAutoShutterRange || address == registers::kAutoGainRange;
+    return limits ? settings("WriteRegister", true, text, write)
+                  : camera("WriteRegister", true, text, write);
 }
 
 Error CameraCalls::readRegister(unsigned address, unsigned* value)
@@ -136,16 +140,16 @@ Error CameraCalls::getActiveLutBank(unsigned* bank)
 
 Error CameraCalls::setActiveLutBank(unsigned bank)
 {
-    return camera(
+    return settings(
         "SetActiveLUTBank", true, [&] { return std::to_string(bank); },
-        [&](Device& device) { return device.lut().setActiveBank(bank); });
+        [&](Device& device) { return device.lutChanged(device.lut().setActiveBank(bank)); });
 }
 
 Error CameraCalls::enableLut(bool on)
 {
-    return camera(
+    return settings(
         "EnableLUT", true, [&] { return on ? "on" : "off"; },
-        [&](Device& device) { return device.lut().enable(on); });
+        [&](Device& device) { return device.lutChanged(device.lut().enable(on)); });
 }
 
 namespace {
@@ -168,9 +172,11 @@ Error CameraCalls::getLutChannel(unsigned bank, unsigned channel, unsigned count
 Error CameraCalls::setLutChannel(unsigned bank, unsigned channel, unsigned count,
                                  const unsigned* entries)
 {
-    return camera(
+    return settings(
         "SetLUTChannel", entries != nullptr, [&] { return channelText(bank, channel, count); },
-        [&](Device& device) { return device.lut().write(bank, channel, count, entries); });
+        [&](Device& device) {
+            return device.lutChanged(device.lut().write(bank, channel, count, entries));
+        });
 }
 
 } // namespace fcsim

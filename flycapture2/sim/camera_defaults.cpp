@@ -45,8 +45,6 @@ PropertyDescription switchable(PropertyDescription property, bool on)
 void setColourProperties(CameraDescription& camera)
 {
     camera.properties[WHITE_BALANCE] = rawProperty(1023, 512, 512);
-    camera.properties[WHITE_BALANCE].autoSupported = true;
-    camera.properties[WHITE_BALANCE].onePushSupported = true;
     camera.properties[HUE] = switchable(absoluteProperty(-180, 180, 0, "degree", "deg"), false);
     camera.properties[HUE].autoSupported = false;
     camera.properties[SATURATION] = switchable(absoluteProperty(0, 400, 100, "%", "%"), true);
@@ -106,6 +104,7 @@ void setSensorDefaults(CameraDescription& camera)
         switchable(absoluteProperty(1, 1000, 1000, "frames per second", "fps"), true);
     properties[FRAME_RATE].rawMin = 1;
     properties[FRAME_RATE].rawMax = 4095;
+    properties[FRAME_RATE].automatic = true;
     if (camera.sensor.colour) {
         setColourProperties(camera);
         camera.lut.channels = 3;

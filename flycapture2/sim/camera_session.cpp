@@ -96,6 +96,13 @@ Error CameraSession::start()
     return device != nullptr && device->attached() ? device->capture().start() : notConnected();
 }
 
+void CameraSession::catchUp()
+{
+    if (Device* device = connectedDevice()) {
+        device->capture().catchUp();
+    }
+}
+
 Error CameraSession::retrieve(FlyCapture2::Image& image)
 {
     Device* device = connectedDevice();

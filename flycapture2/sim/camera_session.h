@@ -43,6 +43,9 @@ public:
         return work(*device);
     }
 
+    /// Lets the camera work out what has happened until now.
+    void catchUp();
+
 private:
     /// The camera that this session owns, also when it has left the bus meanwhile.
     Device* connectedDevice() const;

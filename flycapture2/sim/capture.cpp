@@ -1,12 +1,9 @@
-// Capture on one camera: start, stop, buffers, and which frames arrive.
+// Capture on one camera: start, stop and buffers.
 #include "capture.h"
 
 #include "device.h"
 #include "sdk_error.h"
-#include "sim_clock.h"
 
-#include <algorithm>
-#include <limits>
 #include <string>
 
 namespace fcsim {
@@ -88,10 +85,11 @@ void Capture::begin()
     held_.clear();
     held_.reserve(slots_->count());
     next_ = 0;
+    metered_ = 0;
     stalled_ = false;
     running_ = true;
     ++run_;
-    schedule_.begin(Device::hostTime(), device_.timing());
+    schedule_.begin(Device::hostTime(), device_.frameSettings());
 }
 
 Error Capture::stop()
@@ -156,93 +154,6 @@ void Capture::disconnect()
     user_ = UserMemory();
     config_ = defaultConfig();
     wake();
-}
-
-void Capture::timingChanged()
-{
-    if (running_) {
-        schedule_.change(Device::hostTime(), device_.timing());
-    }
-}
-
-const FrameFault* Capture::faultOf(std::uint64_t number, FrameFaultKind kind) const
-{
-    for (const FrameFault& fault : device_.description().faults) {
-        if (fault.kind == kind && number >= fault.frame && number - fault.frame < fault.count) {
-            return &fault;
-        }
-    }
-    return nullptr;
-}
-
-bool Capture::admit(std::uint64_t number)
-{
-    if (const FrameFault* fault = faultOf(number, FrameFaultKind::clockStep)) {
-        device_.stepClock(fault->amount);
-    }
-    if (faultOf(number, FrameFaultKind::stall) != nullptr) {
-        stalled_ = true;
-        return false;
-    }
-    if (faultOf(number, FrameFaultKind::lose) != nullptr) {
-        ++losses_.dropped;
-        ++losses_.transmission;
-        return false;
-    }
-    return true;
-}
-
-void Capture::hold(std::uint64_t number)
-{
-    const bool dropsOld = config_.grabMode == FlyCapture2::DROP_FRAMES;
-    const std::size_t capacity = dropsOld ? 1 : slots_->count();
-    if (held_.size() < capacity) {
-        held_.push_back(number);
-        return;
-    }
-    ++losses_.dropped;
-    ++losses_.driver;
-    if (dropsOld) {
-        held_.back() = number;
-    }
-}
-
-void Capture::admitArrived(double nowUs)
-{
-    while (!stalled_ && schedule_.times(next_).arrivalUs <= nowUs) {
-        const std::uint64_t number = next_++;
-        if (admit(number)) {
-            hold(number);
-        }
-    }
-}
-
-std::optional<std::uint64_t> Capture::nextFrame(double nowUs, double deadlineUs)
-{
-    if (device_.description().delivery.paced) {
-        admitArrived(nowUs);
-    } else {
-        deadlineUs = std::numeric_limits<double>::infinity();
-    }
-    if (!held_.empty()) {
-        const std::uint64_t number = held_.front();
-        held_.erase(held_.begin());
-        return number;
-    }
-    while (!stalled_ && schedule_.times(next_).arrivalUs <= deadlineUs) {
-        const std::uint64_t number = next_++;
-        if (admit(number)) {
-            return number;
-        }
-    }
-    return std::nullopt;
-}
-
-double Capture::deadline(double nowUs) const
-{
-    return config_.grabTimeout == FlyCapture2::TIMEOUT_INFINITE
-               ? std::numeric_limits<double>::infinity()
-               : nowUs + 1000.0 * config_.grabTimeout;
 }
 
 } // namespace fcsim

@@ -32,8 +32,8 @@ struct LossCounters {
     unsigned driver = 0;       ///< arrived, but nobody fetched them in time
 };
 
-/// The capture of a camera. Hold the camera's mutex for every call but `start` and `retrieve`,
-/// which take it.
+/// The capture of a camera. Hold the camera's mutex for every call but `start`, `retrieve` and
+/// `catchUp`, which take it.
 class Capture {
 public:
     explicit Capture(Device& device);
@@ -50,8 +50,11 @@ public:
 
     /// Ends the capture and forgets configuration and user buffers.
     void disconnect();
-    /// Exposure, rate or gain changed.
-    void timingChanged();
+    /// What frames are taken with has changed: it concerns the frames that start after now, and
+    /// without pacing the next one that is retrieved.
+    void settingsChanged();
+    /// Works out what has happened until now, unless a retrieval is about it.
+    void catchUp();
     /// Ends a wait for a frame when the camera was stopped or detached meanwhile.
     void wake() { changed_.notify_all(); }
     bool running() const { return running_; }
@@ -73,17 +76,23 @@ private:
     void begin();
     FlyCapture2::Error ready() const;
     void admitArrived(double nowUs);
-    std::optional<std::uint64_t> nextFrame(double nowUs, double deadlineUs);
+    // Those that take the lock release it for a while, and return false when the capture ended.
+    bool follow(Lock& lock, double nowUs);
+    bool meterBefore(Lock& lock, std::uint64_t number);
+    bool meter(Lock& lock, std::uint64_t number);
+    bool findNext(Lock& lock, double deadlineUs, std::optional<ScheduledFrame>& next);
+    double meanLevel(const FrameRequest& request);
+    FrameRequest requestFor(std::uint64_t number, const SensorState& state) const;
+    bool paced() const;
     bool admit(std::uint64_t number);
     void hold(std::uint64_t number);
     const FrameFault* faultOf(std::uint64_t number, FrameFaultKind kind) const;
     FlyCapture2::Error timedOut(Lock& lock, double deadlineUs);
-    FlyCapture2::Error deliver(Lock& lock, FlyCapture2::Image& image, std::uint64_t number);
+    FlyCapture2::Error deliver(Lock& lock, FlyCapture2::Image& image, const ScheduledFrame& frame);
     std::optional<FlyCapture2::Error> failDelivery(std::uint64_t number);
-    FrameView makeView(std::uint64_t number, const FrameTimes& times, unsigned slot);
-    FlyCapture2::ImageMetadata metadataOf(std::uint64_t number, const FrameTimes& times) const;
-    FlyCapture2::Error render(std::uint64_t number, const FrameTiming& timing,
-                              const FlyCapture2::Format7ImageSettings& region, std::uint8_t* out);
+    FrameView makeView(const ScheduledFrame& frame, unsigned slot);
+    FlyCapture2::ImageMetadata metadataOf(const ScheduledFrame& frame) const;
+    FlyCapture2::Error render(const FrameRequest& request, std::uint8_t* out);
     bool waitUntil(Lock& lock, double hostUs);
     FlyCapture2::Error detached() const;
     double deadline(double nowUs) const;
@@ -99,8 +108,9 @@ private:
     std::uint64_t run_ = 0; ///< counts starts, so that a wait notices a stop and new start
     std::shared_ptr<FrameSlots> slots_;
     FrameSchedule schedule_;
-    std::uint64_t next_ = 0;          ///< first frame that was not admitted yet
-    std::vector<std::uint64_t> held_; ///< arrived and not fetched, oldest first
+    std::uint64_t next_ = 0;           ///< first frame that was not admitted yet
+    std::uint64_t metered_ = 0;        ///< first frame that the automatic functions have not seen
+    std::vector<ScheduledFrame> held_; ///< arrived and not fetched, oldest first
     bool stalled_ = false;
     LossCounters losses_;
     TruthLog truth_;

@@ -7,6 +7,7 @@
 
 #include <chrono>
 #include <cmath>
+#include <limits>
 #include <stdexcept>
 #include <string>
 
@@ -50,9 +51,18 @@ Error Capture::retrieve(FlyCapture2::Image& image)
     }
     const double now = Device::hostTime();
     const double deadlineUs = deadline(now);
-    const std::optional<std::uint64_t> number = nextFrame(now, deadlineUs);
-    schedule_.forget(next_);
-    return number ? deliver(lock, image, *number) : timedOut(lock, deadlineUs);
+    std::optional<ScheduledFrame> frame;
+    if (!follow(lock, now) || !findNext(lock, deadlineUs, frame)) {
+        return ready();
+    }
+    return frame ? deliver(lock, image, *frame) : timedOut(lock, deadlineUs);
+}
+
+double Capture::deadline(double nowUs) const
+{
+    return config_.grabTimeout == FlyCapture2::TIMEOUT_INFINITE
+               ? std::numeric_limits<double>::infinity()
+               : nowUs + 1000.0 * config_.grabTimeout;
 }
 
 Error Capture::timedOut(Lock& lock, double deadlineUs)
@@ -65,7 +75,7 @@ Error Capture::timedOut(Lock& lock, double deadlineUs)
                                                         " ms");
 }
 
-Error Capture::deliver(Lock& lock, FlyCapture2::Image& image, std::uint64_t number)
+Error Capture::deliver(Lock& lock, FlyCapture2::Image& image, const ScheduledFrame& frame)
 {
     std::optional<unsigned> slot = slots_->take();
     if (!slot) {
@@ -78,26 +88,26 @@ Error Capture::deliver(Lock& lock, FlyCapture2::Image& image, std::uint64_t numb
         return makeError(FlyCapture2::PGRERROR_ISOCH_RETRIEVE_BUFFER_FAILED,
                          "all " + std::to_string(slots_->count()) + " buffers are held by images");
     }
-    const FrameTimes times = schedule_.times(number);
-    const FlyCapture2::Format7ImageSettings region = device_.format7().settings();
-    const FrameView view = makeView(number, times, *slot);
+    const FrameView view = makeView(frame, *slot);
+    const FrameRequest request = requestFor(frame.number, frame.settings.state);
     lock.unlock();
-    const Error rendered = render(number, times.timing, region, writableAddress(view.data));
+    const Error rendered = render(request, writableAddress(view.data));
     lock.lock();
     std::optional<Error> failure;
     if (rendered != FlyCapture2::PGRERROR_OK) {
         failure = rendered;
-    } else if (device_.description().delivery.paced && !waitUntil(lock, times.arrivalUs)) {
+    } else if (paced() && !waitUntil(lock, frame.times.arrivalUs)) {
         failure = ready();
     } else {
-        failure = failDelivery(number);
+        failure = failDelivery(frame.number);
     }
     if (failure) {
         view.owner->releaseSlot(*slot);
         return *failure;
     }
-    truth_.add({number, wallTime(times.startUs), wallTime(times.arrivalUs),
-                static_cast<std::uint32_t>(std::lround(times.timing.exposureUs))});
+    truth_.add({frame.number, wallTime(frame.times.startUs), wallTime(frame.times.arrivalUs),
+                static_cast<std::uint32_t>(std::lround(frame.settings.exposureUs)),
+                frame.settings.state.gainDb});
     lock.unlock();
     attachFrame(image, view);
     return success();
@@ -123,7 +133,7 @@ std::optional<Error> Capture::failDelivery(std::uint64_t number)
     return std::nullopt;
 }
 
-FrameView Capture::makeView(std::uint64_t number, const FrameTimes& times, unsigned slot)
+FrameView Capture::makeView(const ScheduledFrame& frame, unsigned slot)
 {
     const FlyCapture2::Format7ImageSettings& format = device_.format7().settings();
     FrameView view;
@@ -135,32 +145,32 @@ FrameView Capture::makeView(std::uint64_t number, const FrameTimes& times, unsig
     view.data = slots_->address(slot);
     view.dataSize = static_cast<unsigned>(device_.format7().frameSize());
     view.receivedDataSize = view.dataSize;
-    view.timeStamp = timeStampOf(device_.cycleTime(times.startUs));
-    view.metadata = metadataOf(number, times);
-    view.blockId = static_cast<unsigned>(number);
+    view.timeStamp = timeStampOf(device_.cycleTime(frame.times.startUs));
+    view.metadata = metadataOf(frame);
+    view.blockId = static_cast<unsigned>(frame.number);
     view.owner = slots_;
     view.slot = slot;
     return view;
 }
 
-FlyCapture2::ImageMetadata Capture::metadataOf(std::uint64_t number, const FrameTimes& times) const
+FlyCapture2::ImageMetadata Capture::metadataOf(const ScheduledFrame& frame) const
 {
     const FlyCapture2::EmbeddedImageInfo& embedded = device_.embedded();
     FlyCapture2::ImageMetadata metadata;
     if (embedded.timestamp.onOff) {
-        metadata.embeddedTimeStamp = packCycleTime(device_.cycleTime(times.startUs));
+        metadata.embeddedTimeStamp = packCycleTime(device_.cycleTime(frame.times.startUs));
     }
     if (embedded.gain.onOff) {
-        metadata.embeddedGain = times.timing.gainRaw;
+        metadata.embeddedGain = frame.settings.gainRaw;
     }
     if (embedded.shutter.onOff) {
-        metadata.embeddedShutter = times.timing.shutterRaw;
+        metadata.embeddedShutter = frame.settings.shutterRaw;
     }
     if (embedded.frameCounter.onOff) {
-        const FrameFault* fault = faultOf(number, FrameFaultKind::counter);
+        const FrameFault* fault = faultOf(frame.number, FrameFaultKind::counter);
         const std::int64_t error = fault == nullptr ? 0 : std::llround(fault->amount);
         metadata.embeddedFrameCounter =
-            static_cast<unsigned>(number) + static_cast<unsigned>(error);
+            static_cast<unsigned>(frame.number) + static_cast<unsigned>(error);
     }
     if (embedded.ROIPosition.onOff) {
         const FlyCapture2::Format7ImageSettings& format = device_.format7().settings();
@@ -177,15 +187,12 @@ Error Capture::prepareScene()
     }
     renderer_ = std::make_unique<Renderer>(camera.scene, camera.sensor);
     std::vector<std::uint8_t> trial(device_.format7().frameSize());
-    return render(0, device_.timing(), device_.format7().settings(), trial.data());
+    return render(requestFor(0, device_.frameSettings().state), trial.data());
 }
 
-Error Capture::render(std::uint64_t number, const FrameTiming& timing,
-                      const FlyCapture2::Format7ImageSettings& region, std::uint8_t* out)
+FrameRequest Capture::requestFor(std::uint64_t number, const SensorState& state) const
 {
-    if (!renderer_) {
-        return success();
-    }
+    const FlyCapture2::Format7ImageSettings& region = device_.format7().settings();
     FrameRequest request;
     request.format = region.pixelFormat;
     request.offsetX = region.offsetX & ~1U; // whole tiles of the colour filter
@@ -193,14 +200,33 @@ Error Capture::render(std::uint64_t number, const FrameTiming& timing,
     request.width = region.width;
     request.height = region.height;
     request.number = number;
-    request.state.shutterUs = static_cast<float>(timing.exposureUs);
-    request.state.gainDb = timing.gainDb;
+    request.state = state;
+    return request;
+}
+
+Error Capture::render(const FrameRequest& request, std::uint8_t* out)
+{
+    if (!renderer_) {
+        return success();
+    }
     try {
         renderer_->render(request, out);
     } catch (const SceneError& error) {
         return makeError(FlyCapture2::PGRERROR_FAILED, error.what());
     }
     return success();
+}
+
+double Capture::meanLevel(const FrameRequest& request)
+{
+    if (!renderer_) {
+        return 0; // no scene, no light
+    }
+    try {
+        return renderer_->exposedMean(request);
+    } catch (const SceneError&) {
+        return 0; // the retrieval of the frame tells what is wrong
+    }
 }
 
 bool Capture::waitUntil(Lock& lock, double hostUs)

@@ -18,8 +18,6 @@ using FlyCapture2::Error;
 namespace {
 
 constexpr double kAbsoluteZeroC = -273.15;
-/// Exposure of a camera without a SHUTTER property.
-constexpr double kFixedExposureUs = 10'000;
 
 std::string registerText(const char* what, std::uint32_t address)
 {
@@ -51,7 +49,7 @@ Device::Device(const CameraDescription& description, unsigned index)
     : description_(description), info_(makeCameraInfo(description, index)),
       clock_(description.clock.offsetUs, description.clock.driftPpm, description.clock.wrapSeconds),
       powered_(description.power.behaviour == PowerUp::on), properties_(description.properties),
-      format7_(description.format7), lut_(description.lut),
+      automatic_(properties_, registers_), format7_(description.format7), lut_(description.lut),
       embedded_(makeEmbeddedInfo(description)), stream_(makeStreamChannel(description)),
       strobes_(description.gpioPins), capture_(*this)
 {
@@ -62,9 +60,7 @@ Device::Device(const CameraDescription& description, unsigned index)
 void Device::definePowerUpRegisters()
 {
     registers_.preset(registers::kBayerTile, tileLetters(description_.sensor.tile));
-    // Shutter from 10 us to 33 ms in steps of 10 us, gain from 0 to 24 dB in steps of 0.1 dB.
-    registers_.define(registers::kAutoShutterRange, kPresenceBit | 1U << 12U | 0xCE4U);
-    registers_.define(registers::kAutoGainRange, kPresenceBit | 240U);
+    automatic_.defineLimits();
     for (unsigned pin = 0; pin < description_.gpioPins; ++pin) {
         registers_.define(registers::kGpioControl + 16 * pin, kPresenceBit);
     }
@@ -107,11 +103,21 @@ void Device::setAttached(bool attached)
     }
     if (attached) {
         release();
-        powered_ = description_.power.behaviour == PowerUp::on;
-        powerAsked_ = false;
+        powerUp();
     }
     attached_.store(attached, std::memory_order_release);
     capture_.wake();
+}
+
+void Device::powerUp()
+{
+    powered_ = description_.power.behaviour == PowerUp::on;
+    powerAsked_ = false;
+    properties_ = PropertyBank(description_.properties);
+    format7_ = Format7Unit(description_.format7);
+    lut_ = LutStore(description_.lut);
+    embedded_ = makeEmbeddedInfo(description_);
+    retime();
 }
 
 Error Device::readRegister(std::uint32_t address, std::uint32_t& value)
@@ -132,17 +138,15 @@ Error Device::readRegister(std::uint32_t address, std::uint32_t& value)
 
 std::uint32_t Device::peekRegister(std::uint32_t address) const
 {
-    if (const auto pinned = registers_.pinned(address)) {
-        return *pinned;
+    if (!registers_.pinned(address)) {
+        if (address == registers::kCycleTime) {
+            return packCycleTime(clock_.at(hostTime()));
+        }
+        if (address == registers::kPower) {
+            return powered_ ? kPresenceBit : 0;
+        }
     }
-    switch (address) {
-    case registers::kCycleTime:
-        return packCycleTime(clock_.at(hostTime()));
-    case registers::kPower:
-        return powered_ ? kPresenceBit : 0;
-    default:
-        return registers_.read(address);
-    }
+    return registers_.value(address);
 }
 
 Error Device::writeRegister(std::uint32_t address, std::uint32_t value)
@@ -184,20 +188,6 @@ Error Device::countPowerRead()
     return success();
 }
 
-Error Device::setProperty(const FlyCapture2::Property& property)
-{
-    Error error = properties_.set(property);
-    if (error == FlyCapture2::PGRERROR_OK) {
-        retime();
-    }
-    return error;
-}
-
-void Device::formatChanged()
-{
-    retime();
-}
-
 void Device::setEmbedded(const FlyCapture2::EmbeddedImageInfo& wanted)
 {
     const auto items = embeddedItems(embedded_);
@@ -223,50 +213,6 @@ Error Device::stats(FlyCapture2::CameraStats& stats) const
     stats.timeSinceBusReset = stats.timeSinceInitialization;
     stats.timeStamp = timeStampOf(clock_.at(now));
     return success();
-}
-
-double Device::transferUs() const
-{
-    const double bandwidth = description_.delivery.bandwidth * format7_.share();
-    return static_cast<double>(format7_.frameSize()) / bandwidth * 1e6;
-}
-
-double Device::highestRate() const
-{
-    const double sensor = description_.frameRate * description_.sensor.height /
-                          std::max(1U, format7_.settings().height);
-    return std::min({1e6 / std::max(exposureUs(), 1.0), 1e6 / transferUs(), sensor});
-}
-
-double Device::exposureUs() const
-{
-    return properties_.present(FlyCapture2::SHUTTER)
-               ? 1000.0 * properties_.absolute(FlyCapture2::SHUTTER)
-               : kFixedExposureUs;
-}
-
-FrameTiming Device::timing() const
-{
-    FrameTiming timing;
-    timing.periodUs = periodUs_;
-    timing.exposureUs = exposureUs();
-    timing.transferUs = transferUs();
-    timing.gainDb = properties_.absolute(FlyCapture2::GAIN);
-    timing.gainRaw = properties_.raw(FlyCapture2::GAIN);
-    timing.shutterRaw = properties_.raw(FlyCapture2::SHUTTER);
-    return timing;
-}
-
-void Device::retime()
-{
-    const double highest = highestRate();
-    properties_.limit(FlyCapture2::FRAME_RATE, static_cast<float>(highest));
-    double rate = highest;
-    if (properties_.switchedOn(FlyCapture2::FRAME_RATE)) {
-        rate = std::min(rate, static_cast<double>(properties_.absolute(FlyCapture2::FRAME_RATE)));
-    }
-    periodUs_ = clock_.toHost(1e6 / rate);
-    capture_.timingChanged();
 }
 
 } // namespace fcsim

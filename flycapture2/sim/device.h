@@ -2,6 +2,7 @@
 #ifndef FCSIM_DEVICE_H
 #define FCSIM_DEVICE_H
 
+#include "auto_functions.h"
 #include "bus_description.h"
 #include "camera_clock.h"
 #include "capture.h"
@@ -64,13 +65,20 @@ public:
     FlyCapture2::Error setProperty(const FlyCapture2::Property& property);
     /// Region or format changed.
     void formatChanged();
+    /// `error` is what a call that changes a look-up table has answered; returns it.
+    FlyCapture2::Error lutChanged(FlyCapture2::Error error);
     FlyCapture2::Error stats(FlyCapture2::CameraStats& stats) const;
     void setEmbedded(const FlyCapture2::EmbeddedImageInfo& wanted);
 
     CycleTime cycleTime(double hostUs) const { return clock_.at(hostUs); }
     void stepClock(double us) { clock_.step(us); }
-    /// How frames are taken with what is set now.
-    FrameTiming timing() const;
+    /// What frames are taken with as everything is set now.
+    FrameSettings frameSettings() const;
+    /// True while automatic functions want to see the frames.
+    bool metering() const { return automatic_.active(); }
+    /// Shows them one: taken with `frame`, of the mean level `level`. Returns whether they changed
+    /// what frames are taken with.
+    bool metered(const FrameSettings& frame, double level);
     FlyCapture2::BayerTileFormat tile() const { return description_.sensor.tile; }
     PropertyBank& properties() { return properties_; }
     Format7Unit& format7() { return format7_; }
@@ -80,14 +88,18 @@ public:
     FlyCapture2::StrobeControl& strobe(unsigned pin) { return strobes_[pin]; }
 
 private:
-    /// Most frames a second that region, exposure and bus allow.
-    double highestRate() const;
+    /// Most frames a second that region and bus allow.
+    double deliveryRate() const;
     double transferUs() const;
     double exposureUs() const;
+    SensorState sensorState() const;
+    /// Lets frame rate and shutter limit each other anew.
     void retime();
     FlyCapture2::Error countPowerRead();
     void writePower(std::uint32_t value);
     void definePowerUpRegisters();
+    /// What was set is lost, but for the registers.
+    void powerUp();
 
     const CameraDescription description_;
     const FlyCapture2::CameraInfo info_;
@@ -102,6 +114,7 @@ private:
     bool powerAsked_ = false;
     unsigned powerReads_ = 0; ///< of the power register since power was asked for
     PropertyBank properties_;
+    AutoFunctions automatic_;
     Format7Unit format7_;
     LutStore lut_;
     FlyCapture2::EmbeddedImageInfo embedded_;

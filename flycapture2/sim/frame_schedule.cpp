@@ -1,4 +1,4 @@
-// When the frames of a capture are exposed and when they arrive.
+// When the frames of a capture are exposed and with what, and when they arrive.
 #include "frame_schedule.h"
 
 #include <algorithm>
@@ -7,6 +7,10 @@
 namespace fcsim {
 
 namespace {
+
+/// Changes that are kept apart. Frames on their way need some of them; thousands would only come
+/// together where nothing ever arrives.
+constexpr std::size_t kMostStretches = 256;
 
 /// Evenly distributed in [0, 1), the same for the same seed and frame (splitmix64).
 double random01(std::uint64_t seed, std::uint64_t number)
@@ -24,21 +28,32 @@ FrameSchedule::FrameSchedule(double latencyUs, double jitterUs, std::uint64_t se
     : latencyUs_(latencyUs), jitterUs_(jitterUs), seed_(seed)
 {}
 
-void FrameSchedule::begin(double startUs, const FrameTiming& timing)
+void FrameSchedule::begin(double startUs, const FrameSettings& settings)
 {
-    stretches_.assign(1, {0, startUs, timing});
+    stretches_.reserve(kMostStretches);
+    stretches_.assign(1, {0, startUs, settings});
 }
 
-void FrameSchedule::change(double nowUs, const FrameTiming& timing)
+std::uint64_t FrameSchedule::firstAfter(double nowUs) const
+{
+    const Stretch& last = stretches_.back();
+    const double begun = std::floor((nowUs - last.startUs) / last.settings.periodUs) + 1;
+    return last.first + static_cast<std::uint64_t>(std::max(begun, 0.0));
+}
+
+void FrameSchedule::change(std::uint64_t first, const FrameSettings& settings)
 {
     Stretch& last = stretches_.back();
-    const double begun = std::floor((nowUs - last.startUs) / last.timing.periodUs) + 1;
-    if (begun <= 0) {
-        last.timing = timing; // none of its frames has begun
+    if (first <= last.first) {
+        last.settings = settings;
         return;
     }
-    stretches_.push_back({last.first + static_cast<std::uint64_t>(begun),
-                          last.startUs + begun * last.timing.periodUs, timing});
+    const double startUs =
+        last.startUs + static_cast<double>(first - last.first) * last.settings.periodUs;
+    if (stretches_.size() == kMostStretches) {
+        stretches_.erase(stretches_.begin() + 1);
+    }
+    stretches_.push_back({first, startUs, settings});
 }
 
 void FrameSchedule::forget(std::uint64_t number)
@@ -60,23 +75,20 @@ const FrameSchedule::Stretch& FrameSchedule::stretchOf(std::uint64_t number) con
 FrameTimes FrameSchedule::times(std::uint64_t number) const
 {
     const Stretch& stretch = stretchOf(number);
-    const FrameTiming& timing = stretch.timing;
+    const FrameSettings& settings = stretch.settings;
     FrameTimes times;
-    times.timing = timing;
-    times.startUs = stretch.startUs + static_cast<double>(number - stretch.first) * timing.periodUs;
+    times.startUs =
+        stretch.startUs + static_cast<double>(number - stretch.first) * settings.periodUs;
+    times.exposureEndUs = times.startUs + settings.exposureUs;
     // More jitter than a period would let frames overtake each other.
-    const double jitter = std::min(jitterUs_, timing.periodUs) * random01(seed_, number);
-    times.arrivalUs = times.startUs + timing.exposureUs + timing.transferUs + latencyUs_ + jitter;
+    const double jitter = std::min(jitterUs_, settings.periodUs) * random01(seed_, number);
+    times.arrivalUs = times.exposureEndUs + settings.transferUs + latencyUs_ + jitter;
     return times;
 }
 
-std::uint64_t FrameSchedule::firstNotArrived(double nowUs, std::uint64_t from) const
+ScheduledFrame FrameSchedule::frame(std::uint64_t number) const
 {
-    std::uint64_t number = from;
-    while (times(number).arrivalUs <= nowUs) {
-        ++number;
-    }
-    return number;
+    return {number, times(number), stretchOf(number).settings};
 }
 
 } // namespace fcsim

@@ -1,52 +1,66 @@
-// When the frames of a capture are exposed and when they arrive.
+// When the frames of a capture are exposed and with what, and when they arrive.
 #ifndef FCSIM_FRAME_SCHEDULE_H
 #define FCSIM_FRAME_SCHEDULE_H
+
+#include "sensor_state.h"
 
 #include <cstdint>
 #include <vector>
 
 namespace fcsim {
 
-/// How frames are taken: what the properties and the region give.
-struct FrameTiming {
+/// What a frame is taken with: what the properties, the look-up tables and the region give.
+struct FrameSettings {
     double periodUs = 0; ///< on the host's clock
     double exposureUs = 0;
     double transferUs = 0; ///< read-out and way to the host
-    float gainDb = 0;
     unsigned shutterRaw = 0;
     unsigned gainRaw = 0;
+    SensorState state;
 };
 
 /// The life of one frame, in microseconds of the host's clock.
 struct FrameTimes {
-    double startUs = 0;   ///< of the exposure
-    double arrivalUs = 0; ///< complete in host memory
-    FrameTiming timing;
+    double startUs = 0;       ///< of the exposure
+    double exposureEndUs = 0; ///< the camera has seen the picture
+    double arrivalUs = 0;     ///< complete in host memory
+};
+
+/// One frame of a capture.
+struct ScheduledFrame {
+    std::uint64_t number = 0; ///< counts frames from 0
+    FrameTimes times;
+    FrameSettings settings;
 };
 
 /// The frames of one capture. A free-running camera: frame k starts one period after frame k - 1,
-/// and arrives after exposure, transfer, latency and jitter. Not thread-safe.
+/// and arrives after exposure, transfer, latency and jitter. Each frame is taken with the settings
+/// that are in force when its exposure begins. Not thread-safe.
 class FrameSchedule {
 public:
     FrameSchedule(double latencyUs, double jitterUs, std::uint64_t seed);
 
     /// Frame 0 starts at `startUs`.
-    void begin(double startUs, const FrameTiming& timing);
-    /// From the first frame on that starts after `nowUs` frames are taken with `timing`.
-    void change(double nowUs, const FrameTiming& timing);
+    void begin(double startUs, const FrameSettings& settings);
+    /// The first frame that starts after `nowUs`, as far as frames with the newest settings go.
+    std::uint64_t firstAfter(double nowUs) const;
+    /// Frames from `first` on are taken with `settings`, at the earliest those that the change
+    /// before concerns. After the first calls it allocates nothing: at most 256 changes are kept
+    /// apart.
+    void change(std::uint64_t first, const FrameSettings& settings);
     /// Frames before `number` will not be asked for any more.
     void forget(std::uint64_t number);
     /// Times of a frame; arrivals never overtake each other.
     FrameTimes times(std::uint64_t number) const;
-    /// The first frame that has not arrived at `nowUs`, at least `from`.
-    std::uint64_t firstNotArrived(double nowUs, std::uint64_t from) const;
+    /// All about a frame.
+    ScheduledFrame frame(std::uint64_t number) const;
 
 private:
-    /// Frames with the same timing.
+    /// Frames with the same settings.
     struct Stretch {
         std::uint64_t first;
         double startUs;
-        FrameTiming timing;
+        FrameSettings settings;
     };
 
     const Stretch& stretchOf(std::uint64_t number) const;

@@ -15,14 +15,18 @@ LutStore::LutStore(const LutDescription& description) : description_(description
     if (!description.supported) {
         return;
     }
-    const unsigned tables = description.banks * description.channels;
-    entries_.reserve(std::size_t{tables} * description.entries);
-    for (unsigned table = 0; table < tables; ++table) {
-        for (unsigned entry = 0; entry < description.entries; ++entry) {
-            const unsigned wide = entry << description.outputBits;
-            entries_.push_back(wide >> description.inputBits);
-        }
+    const auto line = std::make_shared<SensorLut>();
+    line->inputBits = description.inputBits;
+    line->outputBits = description.outputBits;
+    const unsigned most = (1U << description.outputBits) - 1;
+    std::vector<std::uint16_t> channel;
+    for (unsigned entry = 0; entry < description.entries; ++entry) {
+        const unsigned wide = entry << description.outputBits;
+        channel.push_back(
+            static_cast<std::uint16_t>(std::min(wide >> description.inputBits, most)));
     }
+    line->channels.assign(description.channels, channel);
+    banks_.assign(description.banks, line);
 }
 
 Error LutStore::info(FlyCapture2::LUTData& data) const
@@ -75,7 +79,7 @@ Error LutStore::read(unsigned bank, unsigned channel, unsigned count, unsigned* 
 {
     Error error = check(bank, channel, count, entries);
     if (error == FlyCapture2::PGRERROR_OK) {
-        std::copy_n(&entries_[start(bank, channel)], count, entries);
+        std::copy_n(banks_[bank]->channels[channel].begin(), count, entries);
     }
     return error;
 }
@@ -87,8 +91,11 @@ Error LutStore::write(unsigned bank, unsigned channel, unsigned count, const uns
         return error;
     }
     const unsigned most = (1U << description_.outputBits) - 1;
-    std::transform(entries, entries + count, &entries_[start(bank, channel)],
-                   [most](unsigned entry) { return std::min(entry, most); });
+    const auto changed = std::make_shared<SensorLut>(*banks_[bank]);
+    std::transform(
+        entries, entries + count, changed->channels[channel].begin(),
+        [most](unsigned entry) { return static_cast<std::uint16_t>(std::min(entry, most)); });
+    banks_[bank] = changed;
     return error;
 }
 
@@ -117,11 +124,6 @@ Error LutStore::check(unsigned bank, unsigned channel, unsigned count,
                              std::to_string(count) + " entries");
     }
     return success();
-}
-
-std::size_t LutStore::start(unsigned bank, unsigned channel) const
-{
-    return std::size_t{bank * description_.channels + channel} * description_.entries;
 }
 
 } // namespace fcsim

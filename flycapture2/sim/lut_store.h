@@ -3,14 +3,17 @@
 #define FCSIM_LUT_STORE_H
 
 #include "bus_description.h"
+#include "sensor_state.h"
 
 #include <FlyCapture2.h>
 
+#include <memory>
 #include <vector>
 
 namespace fcsim {
 
-/// Banks of tables; bank 0 holds the straight line and can only be read. Not thread-safe.
+/// Banks of tables, straight lines at power-up. Frames share the tables of their bank, so a write
+/// makes new ones instead of changing them. Not thread-safe.
 class LutStore {
 public:
     explicit LutStore(const LutDescription& description);
@@ -25,17 +28,22 @@ public:
     FlyCapture2::Error write(unsigned bank, unsigned channel, unsigned count,
                              const unsigned* entries);
 
+    /// The tables that frames go through now; null while they are switched off.
+    std::shared_ptr<const SensorLut> inForce() const
+    {
+        return enabled_ ? banks_[active_] : nullptr;
+    }
+
 private:
     /// Why the table cannot be reached; OK when it can.
     FlyCapture2::Error check(unsigned bank, unsigned channel, unsigned count,
                              const unsigned* entries) const;
     FlyCapture2::Error checkBank(unsigned bank) const;
-    std::size_t start(unsigned bank, unsigned channel) const;
 
     LutDescription description_;
     bool enabled_ = false;
     unsigned active_ = 0;
-    std::vector<unsigned> entries_; ///< bank by bank, in each channel by channel
+    std::vector<std::shared_ptr<const SensorLut>> banks_;
 };
 
 } // namespace fcsim

@@ -170,7 +170,7 @@ Error PropertyBank::set(const Property& property)
     entry.value.absControl = property.absControl && entry.description.absSupported;
     entry.value.onOff = property.onOff || !entry.description.onOffSupported;
     entry.value.autoManualMode = property.autoManualMode && entry.description.autoSupported;
-    entry.value.onePush = false; // the push is over as soon as it has begun
+    entry.value.onePush = property.onePush && entry.description.onePushSupported;
     return error;
 }
 
@@ -181,12 +181,17 @@ Error PropertyBank::setAbsolute(Entry& entry, const Property& property)
         return outOfRange(info, std::to_string(property.absValue), std::to_string(info.absMin),
                           std::to_string(info.absMax));
     }
-    const float wanted = std::clamp(property.absValue, info.absMin, info.absMax);
+    takeAbsolute(entry, std::clamp(property.absValue, info.absMin, info.absMax));
+    return success();
+}
+
+void PropertyBank::takeAbsolute(Entry& entry, float wanted)
+{
+    const PropertyInfo& info = entry.info;
     entry.value.absValue =
         std::clamp(quantise(entry.description, wanted), info.absMin, info.absMax);
     entry.value.valueA = toRaw(entry.description, entry.value.absValue);
     entry.asked = entry.value.absValue;
-    return success();
 }
 
 Error PropertyBank::setRaw(Entry& entry, const Property& property)
@@ -208,25 +213,34 @@ Error PropertyBank::setRaw(Entry& entry, const Property& property)
     return success();
 }
 
-float PropertyBank::absolute(PropertyType type) const
+const Property& PropertyBank::value(PropertyType type) const
 {
-    return entries_[static_cast<unsigned>(type)].value.absValue;
+    return entries_[static_cast<unsigned>(type)].value;
 }
 
-unsigned PropertyBank::raw(PropertyType type) const
+const PropertyInfo& PropertyBank::range(PropertyType type) const
 {
-    return entries_[static_cast<unsigned>(type)].value.valueA;
+    return entries_[static_cast<unsigned>(type)].info;
 }
 
-bool PropertyBank::present(PropertyType type) const
+float PropertyBank::step(PropertyType type) const
 {
-    return entries_[static_cast<unsigned>(type)].value.present;
+    return entries_[static_cast<unsigned>(type)].description.step;
 }
 
 bool PropertyBank::switchedOn(PropertyType type) const
 {
-    const Property& value = entries_[static_cast<unsigned>(type)].value;
-    return value.present && value.onOff;
+    return value(type).present && value(type).onOff;
+}
+
+bool PropertyBank::automatic(PropertyType type) const
+{
+    return switchedOn(type) && (value(type).autoManualMode || value(type).onePush);
+}
+
+bool PropertyBank::manual(PropertyType type) const
+{
+    return switchedOn(type) && !automatic(type);
 }
 
 void PropertyBank::limit(PropertyType type, float absMax)
@@ -235,8 +249,27 @@ void PropertyBank::limit(PropertyType type, float absMax)
     const float most =
         std::max(entry.description.absMin, std::min(absMax, entry.description.absMax));
     entry.info.absMax = most;
+    entry.info.max = toRaw(entry.description, most);
     entry.value.absValue = std::min(entry.asked, most);
     entry.value.valueA = toRaw(entry.description, entry.value.absValue);
+}
+
+void PropertyBank::steer(PropertyType type, float absolute)
+{
+    Entry& entry = entries_[static_cast<unsigned>(type)];
+    takeAbsolute(entry, std::clamp(absolute, entry.info.absMin, entry.info.absMax));
+}
+
+void PropertyBank::steerRaw(PropertyType type, unsigned valueA, unsigned valueB)
+{
+    Entry& entry = entries_[static_cast<unsigned>(type)];
+    entry.value.valueA = std::clamp(valueA, entry.info.min, entry.info.max);
+    entry.value.valueB = std::clamp(valueB, entry.info.min, entry.info.max);
+}
+
+void PropertyBank::endPush(PropertyType type)
+{
+    entries_[static_cast<unsigned>(type)].value.onePush = false;
 }
 
 } // namespace fcsim

@@ -23,13 +23,27 @@ public:
     /// Checks presence and ranges; on failure nothing changes.
     FlyCapture2::Error set(const FlyCapture2::Property& property);
 
-    float absolute(FlyCapture2::PropertyType type) const;
-    unsigned raw(FlyCapture2::PropertyType type) const;
-    bool present(FlyCapture2::PropertyType type) const;
+    /// What is in force. REQUIRES: a property that cameras can have.
+    const FlyCapture2::Property& value(FlyCapture2::PropertyType type) const;
+    /// Ranges as they are now. REQUIRES: a property that cameras can have.
+    const FlyCapture2::PropertyInfo& range(FlyCapture2::PropertyType type) const;
+    /// Grid of the absolute values, counted from the smallest one; 0 = none.
+    float step(FlyCapture2::PropertyType type) const;
     bool switchedOn(FlyCapture2::PropertyType type) const; ///< present and on
-    /// Replaces the upper end of the absolute range; the value follows downwards, and upwards again
-    /// as far as it was asked for.
+    bool automatic(FlyCapture2::PropertyType type) const;  ///< on, and the camera sets its value
+    bool manual(FlyCapture2::PropertyType type) const;     ///< on, and keeps what it was set to
+
+    // ---- What the camera itself changes.
+
+    /// Replaces the upper end of the range; the value follows downwards, and upwards again as far
+    /// as it was asked for.
     void limit(FlyCapture2::PropertyType type, float absMax);
+    /// Sets the absolute value, on its grid and in its range, whatever the mode.
+    void steer(FlyCapture2::PropertyType type, float absolute);
+    /// Sets the relative values, in their range, whatever the mode.
+    void steerRaw(FlyCapture2::PropertyType type, unsigned valueA, unsigned valueB);
+    /// The automatic function that one push started has found its value.
+    void endPush(FlyCapture2::PropertyType type);
 
 private:
     struct Entry {
@@ -41,6 +55,7 @@ private:
 
     static Entry makeEntry(FlyCapture2::PropertyType type, const PropertyDescription& description);
     FlyCapture2::Error setAbsolute(Entry& entry, const FlyCapture2::Property& property);
+    static void takeAbsolute(Entry& entry, float wanted);
     FlyCapture2::Error setRaw(Entry& entry, const FlyCapture2::Property& property);
 
     std::array<Entry, kPropertyCount> entries_;

@@ -24,6 +24,7 @@ void readProperty(TableReader& table, PropertyDescription& property)
 {
     property.present = true;
     table.flag("present", property.present);
+    property.automatic = property.automatic && !table.has("value");
     readFlags(table, property);
     table.range("raw", property.rawMin, property.rawMax, 0xFFFFFFFF);
     table.range("absolute", property.absMin, property.absMax);

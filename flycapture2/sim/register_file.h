@@ -33,6 +33,11 @@ public:
     /// Reads give `value` from now on, whatever is written.
     void pin(std::uint32_t address, std::uint32_t value) { pinned_[address] = value; }
     std::optional<std::uint32_t> pinned(std::uint32_t address) const;
+    /// What holds: the pinned value, or the one that was written.
+    std::uint32_t value(std::uint32_t address) const
+    {
+        return pinned(address).value_or(read(address));
+    }
 
 private:
     struct Register {

@@ -84,6 +84,7 @@ struct FrameTruth {
     std::uint64_t exposureStartUs = 0; ///< on the simulation's clock
     std::uint64_t arrivalUs = 0;       ///< when the frame was complete in host memory
     std::uint32_t exposureUs = 0;
+    float gainDb = 0;
 };
 /// Truth of the frames delivered since the last call, oldest first; at most the newest 65536.
 FCSIM_API std::vector<FrameTruth> takeTruth(unsigned serial);

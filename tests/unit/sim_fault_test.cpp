@@ -92,6 +92,18 @@ TEST_F(SimFault, ANamedFaultFailsTheCallsItIsMeantFor)
     EXPECT_EQ(readGain(), PGRERROR_OK);
 }
 
+TEST_F(SimFault, APropertyMayRefuseToBeSet)
+{
+    connect();
+    fcsim::addFault({.operation = "SetProperty", .detail = "GAIN"});
+    Property gain(GAIN);
+    ASSERT_EQ(camera.GetProperty(&gain).GetType(), PGRERROR_OK);
+    gain.absValue = 6;
+    EXPECT_EQ(camera.SetProperty(&gain).GetType(), PGRERROR_FAILED);
+    ASSERT_EQ(camera.GetProperty(&gain).GetType(), PGRERROR_OK);
+    EXPECT_EQ(gain.absValue, 0);
+}
+
 TEST_F(SimFault, DescriptionsOfFaultsBeginWithSimulated)
 {
     connect();

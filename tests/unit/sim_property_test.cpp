@@ -111,12 +111,98 @@ TEST_F(SimProperty, ModesThatThePropertyLacksStayAsTheyAre)
 TEST_F(SimProperty, TheShutterLimitsTheFrameRate)
 {
     connect();
+    ASSERT_EQ(setAbsolute(SHUTTER, 40.0F), PGRERROR_OK);
+    EXPECT_FLOAT_EQ(info(FRAME_RATE).absMax, 25.0F);
+    EXPECT_EQ(info(FRAME_RATE).max, 99U); // 25 of 1 to 1000 as 1 to 4095
+    EXPECT_EQ(setAbsolute(FRAME_RATE, 26.0F), PGRERROR_INVALID_PARAMETER);
+    ASSERT_EQ(setAbsolute(SHUTTER, 20.0F), PGRERROR_OK);
+    EXPECT_FLOAT_EQ(info(FRAME_RATE).absMax, 50.0F);
     EXPECT_FLOAT_EQ(get(FRAME_RATE).absValue, 25.0F);
+    EXPECT_EQ(setAbsolute(FRAME_RATE, 26.0F), PGRERROR_OK);
+}
+
+TEST_F(SimProperty, AFrameRateThatIsSetLimitsTheShutter)
+{
+    connect();
+    EXPECT_FLOAT_EQ(info(SHUTTER).absMax, 40.0F);
+    EXPECT_EQ(info(SHUTTER).max, 165U); // 40 of 0.01 to 1000 as 1 to 4095
+    EXPECT_EQ(setAbsolute(SHUTTER, 40.1F), PGRERROR_INVALID_PARAMETER);
+    EXPECT_EQ(setAbsolute(SHUTTER, 40.0F), PGRERROR_OK);
+    EXPECT_FLOAT_EQ(get(FRAME_RATE).absValue, 25.0F);
+    ASSERT_EQ(setAbsolute(FRAME_RATE, 10.0F), PGRERROR_OK);
+    EXPECT_FLOAT_EQ(info(SHUTTER).absMax, 100.0F);
+    EXPECT_EQ(setAbsolute(SHUTTER, 100.0F), PGRERROR_OK);
+}
+
+TEST_F(SimProperty, AnAutomaticFrameRateFollowsTheShutter)
+{
+    connect("automatic = true\n");
+    EXPECT_TRUE(get(FRAME_RATE).autoManualMode);
+    EXPECT_FLOAT_EQ(get(FRAME_RATE).absValue, 60.0F); // the sensor's
+    EXPECT_FLOAT_EQ(info(SHUTTER).absMax, 1000.0F);
     ASSERT_EQ(setAbsolute(SHUTTER, 100.0F), PGRERROR_OK);
-    EXPECT_FLOAT_EQ(info(FRAME_RATE).absMax, 10.0F);
+    EXPECT_FLOAT_EQ(get(FRAME_RATE).absValue, 10.0F);
+    ASSERT_EQ(setAbsolute(SHUTTER, 20.0F), PGRERROR_OK);
+    EXPECT_FLOAT_EQ(get(FRAME_RATE).absValue, 50.0F);
+}
+
+TEST_F(SimProperty, AFrameRateThatIsSwitchedOffFollowsTheShutter)
+{
+    connect("switched_on = false\n");
+    EXPECT_FLOAT_EQ(get(FRAME_RATE).absValue, 60.0F);
+    EXPECT_FLOAT_EQ(info(SHUTTER).absMax, 1000.0F);
+    ASSERT_EQ(setAbsolute(SHUTTER, 500.0F), PGRERROR_OK);
+    EXPECT_FLOAT_EQ(get(FRAME_RATE).absValue, 2.0F);
+}
+
+TEST_F(SimProperty, AFrameRateIsAutomaticUnlessTheDescriptionGivesIt)
+{
+    ASSERT_EQ(fcsim::loadBus("[[camera]]\nmodel = \"A\"\nserial = 7001\ninterface = \"usb3\"\n"
+                             "[camera.sensor]\nwidth = 64\nheight = 32\n",
+                             "test.toml"),
+              "");
+    ASSERT_EQ(camera.Connect(nullptr).GetType(), PGRERROR_OK);
+    EXPECT_TRUE(get(FRAME_RATE).autoManualMode);
+    camera.Disconnect();
+    connect();
+    EXPECT_FALSE(get(FRAME_RATE).autoManualMode);
+}
+
+TEST_F(SimProperty, ALongShutterAtPowerUpGivesWayToItsFrameRateWhenItIsShortened)
+{
+    ASSERT_EQ(fcsim::loadBus("[[camera]]\nmodel = \"A\"\nserial = 7001\ninterface = \"usb3\"\n"
+                             "[camera.sensor]\nwidth = 64\nheight = 32\n"
+                             "[camera.properties.SHUTTER]\nvalue = 100.0\n"
+                             "[camera.properties.FRAME_RATE]\nvalue = 25.0\n",
+                             "test.toml"),
+              "");
+    ASSERT_EQ(camera.Connect(nullptr).GetType(), PGRERROR_OK);
+    EXPECT_FLOAT_EQ(get(SHUTTER).absValue, 100.0F);
     EXPECT_FLOAT_EQ(get(FRAME_RATE).absValue, 10.0F);
     ASSERT_EQ(setAbsolute(SHUTTER, 10.0F), PGRERROR_OK);
     EXPECT_FLOAT_EQ(get(FRAME_RATE).absValue, 25.0F);
+    EXPECT_FLOAT_EQ(info(SHUTTER).absMax, 40.0F);
+}
+
+TEST_F(SimProperty, ARawValueBeyondTheLimitIsRefused)
+{
+    connect();
+    Property shutter = get(SHUTTER);
+    shutter.absControl = false;
+    shutter.valueA = 166;
+    EXPECT_EQ(camera.SetProperty(&shutter).GetType(), PGRERROR_INVALID_PARAMETER);
+    shutter.valueA = 165;
+    EXPECT_EQ(camera.SetProperty(&shutter).GetType(), PGRERROR_OK);
+    EXPECT_LE(get(SHUTTER).absValue, 40.0F);
+}
+
+TEST_F(SimProperty, APushOfWhatIsNeverAutomaticEndsAtOnce)
+{
+    connect("[camera.properties.BRIGHTNESS]\none_push = true\n");
+    Property brightness = get(BRIGHTNESS);
+    brightness.onePush = true;
+    ASSERT_EQ(camera.SetProperty(&brightness).GetType(), PGRERROR_OK);
+    EXPECT_FALSE(get(BRIGHTNESS).onePush);
 }
 
 TEST_F(SimProperty, TheBusLimitsTheFrameRate)

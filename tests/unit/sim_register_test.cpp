@@ -107,6 +107,24 @@ TEST_F(SimRegister, TheDescriptionMaySetRegisters)
     EXPECT_EQ(read(0x1098), 0x80001002U);
 }
 
+TEST_F(SimRegister, AutomaticLimitsBeginWithTheRangesOfTheProperties)
+{
+    connect("[camera.properties.GAIN]\nabsolute = [1.5, 18.0]\n");
+    EXPECT_EQ(read(0x1098), 0x80001FFFU); // 0.01 ms, and 1000 ms cut to 12 bits
+    EXPECT_EQ(read(0x10A0), 0x8000F0B4U);
+    ASSERT_EQ(camera.WriteRegister(0x10A0, 0x0200A064).GetType(), PGRERROR_OK);
+    EXPECT_EQ(read(0x10A0), 0x8200A064U);
+}
+
+TEST_F(SimRegister, AutomaticLimitsMayBeAbsent)
+{
+    connect("[camera.properties.GAIN]\npresent = false\n[camera.registers]\n\"0x1098\" = 0\n");
+    EXPECT_EQ(read(0x1098), 0U);
+    EXPECT_EQ(read(0x10A0), 0U);
+    ASSERT_EQ(camera.WriteRegister(0x1098, 0x80001FFF).GetType(), PGRERROR_OK);
+    EXPECT_EQ(read(0x1098), 0x1FFFU);
+}
+
 TEST_F(SimRegister, PlainRegistersKeepWhatIsWrittenButThePresenceBit)
 {
     connect();

@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <new>
 #include <thread>
+#include <vector>
 
 using namespace FlyCapture2;
 
@@ -100,6 +101,86 @@ TEST_F(SimSteady, APictureAllocatesNothingWhateverIsSet)
         EXPECT_EQ(allocations.load() - before, 0U) << fcsim::pixelFormatName(format);
         EXPECT_GT(mean, 0);
     }
+}
+
+TEST_F(SimSteady, AutomaticFunctionsAndChangesAllocateNothing)
+{
+    ASSERT_EQ(fcsim::loadBus("[[camera]]\nmodel = \"A\"\nserial = 7001\ninterface = \"usb3\"\n"
+                             "register_time_us = 0\n[camera.sensor]\nwidth = 320\nheight = 240\n"
+                             "[camera.properties.SHUTTER]\nautomatic = true\n"
+                             "[camera.properties.AUTO_EXPOSURE]\nswitched_on = true\n",
+                             "test.toml"),
+              "");
+    ASSERT_EQ(camera.Connect(nullptr).GetType(), PGRERROR_OK);
+    configure(2000, BUFFER_FRAMES);
+    ASSERT_EQ(camera.StartCapture().GetType(), PGRERROR_OK);
+    std::size_t before = 0;
+    bool good = true;
+    for (int frame = 0; frame < 300; ++frame) {
+        Property target(AUTO_EXPOSURE);
+        good = camera.GetProperty(&target) == PGRERROR_OK && good;
+        target.absValue = static_cast<float>(frame % 3) - 1; // nothing ever settles
+        good = camera.SetProperty(&target) == PGRERROR_OK && good;
+        good = camera.EnableLUT(frame % 2 == 0) == PGRERROR_OK && good;
+        good = oneFrame() && good;
+        fcsim::advanceClock(static_cast<std::uint64_t>(frame % 7) * 10'000); // some frames wait
+        before = frame == 49 ? allocations.load() : before;
+    }
+    EXPECT_TRUE(good);
+    EXPECT_EQ(allocations.load() - before, 0U);
+}
+
+TEST_F(SimSteady, ChangesOfAStalledCameraAllocateNothing)
+{
+    connect("[[camera.fault]]\nkind = \"stall\"\nframe = 1\n");
+    ASSERT_EQ(camera.StartCapture().GetType(), PGRERROR_OK);
+    std::size_t before = 0;
+    Property gain(GAIN);
+    ASSERT_EQ(camera.GetProperty(&gain).GetType(), PGRERROR_OK);
+    for (int change = 0; change < 1000; ++change) {
+        gain.absValue = static_cast<float>(change % 20);
+        ASSERT_EQ(camera.SetProperty(&gain).GetType(), PGRERROR_OK);
+        fcsim::advanceClock(40'000);
+        before = change == 9 ? allocations.load() : before;
+    }
+    EXPECT_EQ(allocations.load() - before, 0U);
+}
+
+TEST_F(SimSteady, OtherThreadsChangeSettingsWhileFramesAreTaken)
+{
+    ASSERT_EQ(fcsim::loadBus("[[camera]]\nmodel = \"A\"\nserial = 7001\ninterface = \"usb3\"\n"
+                             "[camera.sensor]\nwidth = 320\nheight = 240\n"
+                             "[camera.properties.SHUTTER]\nautomatic = true\nvalue = 1.0\n"
+                             "[camera.properties.FRAME_RATE]\nvalue = 50.0\n",
+                             "test.toml"),
+              "");
+    ASSERT_EQ(camera.Connect(nullptr).GetType(), PGRERROR_OK);
+    fcsim::useHostClock();
+    ASSERT_EQ(camera.StartCapture().GetType(), PGRERROR_OK);
+    std::atomic<bool> stop{false};
+    std::atomic<unsigned> changes{0};
+    std::thread other([&] {
+        std::vector<unsigned> table(512, 200);
+        while (!stop.load()) {
+            Property gain(GAIN);
+            bool good = camera.GetProperty(&gain) == PGRERROR_OK;
+            gain.absValue = static_cast<float>(changes.load() % 6);
+            good = camera.SetProperty(&gain) == PGRERROR_OK && good;
+            good = camera.SetLUTChannel(changes.load() % 2, 0, 512, table.data()) == PGRERROR_OK &&
+                   good;
+            good = camera.EnableLUT(changes.load() % 3 == 0) == PGRERROR_OK && good;
+            changes.fetch_add(good ? 1 : 0);
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        }
+    });
+    bool good = true;
+    for (int frame = 0; frame < 10; ++frame) { // 20 ms each
+        good = oneFrame() && good;
+    }
+    stop = true;
+    other.join();
+    EXPECT_TRUE(good);
+    EXPECT_GT(changes.load(), 10U);
 }
 
 TEST_F(SimSteady, OtherThreadsReadRegistersWhileARetrievalWaits)
