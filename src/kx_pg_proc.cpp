@@ -22,23 +22,18 @@ CCamProc::~CCamProc() = default;
 int CCamProc::ProcOnce(CExCam* cam, FlyCapture2::CameraInfo* info, CBufferFactory* factory)
 {
     KX_LOG_I("Using device Model:%s Serial:%u\n", info->modelName, info->serialNumber);
-    dynLutState = 0;
-    dynLutMode = 0;
-    lutArray.reset();
-    cdfArray.reset();
+    dynLutState = kDynLutIdle;
+    dynLutMode = kDynLutPlain;
+    freeDynLut();
     pendingSig = 0;
     frameCounter = 0;
 
-    // The modes in which a 12-bit look-up table pass has stopped the loop to start it again.
-    constexpr std::uint32_t kRequested = 6;
-    constexpr std::uint32_t kDone = 7;
     int result = 0;
     do {
         result = ProcLoop(cam, info, factory);
-    } while (result == 0 && (dynLutMode == kRequested || dynLutMode == kDone));
+    } while (result == 0 && (dynLutMode == kDynLutWideAsked || dynLutMode == kDynLutWideDone));
 
-    lutArray.reset();
-    cdfArray.reset();
+    freeDynLut();
     return result;
 }
 

@@ -43,6 +43,38 @@ enum SweepMode : std::uint32_t {
     kSweepAutomatic = 2,
 };
 
+/// Codes of the host's signals.
+enum SignalCode : std::uint32_t {
+    kSigFinish = 1,
+    kSigReconfigure = 2,
+    kSigUser1 = 3, ///< calculate a look-up table
+    kSigUser2 = 4, ///< calculate one from a 12-bit frame
+    kSigFinishToo = 5,
+};
+
+/// Whether the signal ends the grab.
+bool isFinishing(std::uint32_t code);
+
+/// Steps of the dynamic look-up table. A pass with the camera's table on takes two frames, as it is
+/// switched off first; nothing waits longer for a clear frame at present.
+enum DynLutState : std::uint32_t {
+    kDynLutIdle = 0,
+    kDynLutStart = 1,
+    kDynLutWaitTwo = 2,
+    kDynLutWaitOne = 3,
+    kDynLutCalculate = 4,
+    kDynLutApply = 5,
+    kDynLutFinish = 8,
+};
+
+/// What kind of pass it is. A wide one calculates from a 12-bit frame of an otherwise 8-bit grab,
+/// for which the loop is started again, and once more to go back.
+enum DynLutMode : std::uint32_t {
+    kDynLutPlain = 0,
+    kDynLutWideAsked = 6,
+    kDynLutWideDone = 7, ///< calculated, 8 bits are to be restored
+};
+
 /// Releases blocks from malloc.
 struct FreeBlock {
     void operator()(void* block) const { std::free(block); }
@@ -140,12 +172,21 @@ public:
     /// on the camera's clock in microseconds.
     KX_API std::uint64_t ProcFrameChunks(CExCam* cam, FlyCapture2::Image* image);
 
-    // ---- Signals.
+    // ---- Signals and the dynamic look-up table.
 
     /// Takes over the signal that the host has for us, if any.
     KX_API void ProcLookSignal();
-    /// Acts on the pending signal after a frame. `*stop` (may be null) is set when one is pending:
-    /// whether the grab is to end. Returns the grab's exit code for that case.
+    /// Starts the calculation of a look-up table when the pending signal asks for one; `captured`
+    /// frames were retrieved so far. Always 0.
+    KX_API int ProcSignalUsr(unsigned int captured);
+    /// Advances the dynamic look-up table by the step that `dynLutState` asks for, on the current
+    /// frame. Cheap when there is nothing to do.
+    KX_API void ProcDynamLut(CExCam* cam);
+    /// Releases the arrays of the dynamic look-up table.
+    void freeDynLut();
+    /// Acts on the pending signal after a frame; without one, and without a look-up table being
+    /// calculated, on a live change of the host's configuration. `*stop` (may be null) is set when
+    /// one is pending: whether the grab is to end. Returns the grab's exit code for that case.
     KX_API int ProcSignal(CExCam* cam, unsigned int captured, bool* stop);
 
     // ---- Set by the configuration, read by the grab loop.
@@ -200,12 +241,14 @@ public:
     // ---- Signals and the dynamic look-up table.
 
     std::uint32_t pendingSig = 0;
-    std::uint32_t dynLutState = 0;
-    std::uint32_t dynLutMode = 0; ///< 6 and 7: a 12-bit pass wants the grab loop to run again
-    std::unique_ptr<std::uint16_t, FreeBlock> lutArray;
-    std::uint32_t lutEntries = 0; ///< of `lutArray`, as of its last calculation
-    std::unique_ptr<std::uint32_t, FreeBlock> cdfArray;
-    const std::uint16_t* lastLutData = nullptr; ///< table loaded last; only ever compared
+    std::uint32_t dynLutState = kDynLutIdle;
+    std::uint32_t dynLutMode = kDynLutPlain;
+    std::unique_ptr<std::uint16_t, FreeBlock> lutArray; ///< calculated table
+    std::uint32_t lutEntries = 0;                       ///< of it, as of the last calculation
+    unsigned char lutBits = 0;                          ///< it has room for 2^`lutBits` entries
+    std::unique_ptr<std::uint32_t, FreeBlock> cdfArray; ///< distribution of a frame's values
+    unsigned char cdfBits = 0;                          ///< it has room for 2^`cdfBits` entries
+    const std::uint16_t* lastLutData = nullptr;         ///< table loaded last; only compared
 
     /// The converted pixels; kept, so that the SDK can use its memory again for each frame.
     FlyCapture2::Image convImage;

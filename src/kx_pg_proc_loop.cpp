@@ -265,7 +265,8 @@ GrabLoop::Exit GrabLoop::delivered(Image& image, std::uint32_t clockValue)
     }
     ++captured_;
     proc_.frameData = image.GetData();
-    // The user signal and the dynamic look-up table join here.
+    static_cast<void>(proc_.ProcSignalUsr(captured_));
+    proc_.ProcDynamLut(&cam_);
     FrameTimes frame;
     frame.nowUs = microseconds(_S_gtvr2);
     frame.btsFStartUs = proc_.ProcFrameChunks(&cam_, &image);

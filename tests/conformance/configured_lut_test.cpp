@@ -1,10 +1,9 @@
 // The configured look-up table: when it is loaded, what of it, into which bank, and what is said.
-#include "camera_test.h"
+#include "lut_fixture.h"
 #include "system_calls.h"
 
 #include <numeric>
 
-using kxtest::CameraText;
 using kxtest::format;
 using kxtest::host;
 using kxtest::info;
@@ -26,11 +25,10 @@ using Table = std::vector<std::uint16_t>;
 constexpr const char* kFunction = "ProcParametrizeCamManLUT";
 constexpr std::size_t kEntries = 512;
 
-class ConfiguredLutTest : public kxtest::CameraTest {
+class ConfiguredLutTest : public kxtest::LutTest {
 protected:
     ConfiguredLutTest()
     {
-        connect();
         proc_->dataBits = 8;
         host().config.lutBits = 9;
         host().config.lut = straightLine();
@@ -42,25 +40,12 @@ protected:
         std::iota(table.begin(), table.end(), std::uint16_t{0});
         return table;
     }
-    /// Connects a camera with these further lines.
-    void connectWith(const std::string& extra)
-    {
-        CameraText text;
-        text.extra = extra;
-        connect(text);
-    }
     void apply() { proc_->ProcParametrizeCamManLUT(cam_.get(), false); }
     static std::string entryLine()
     {
         const Table& table = host().config.lut;
         const void* const address = table.empty() ? nullptr : table.data();
         return info(format("LUT settings handler entry LUT arr %p", address));
-    }
-    static std::vector<std::string> lutCalls()
-    {
-        return journal().lines([](const kxtest::Event& event) {
-            return event.name.find("LUT") != std::string::npos && event.kind == kxtest::Kind::sdk;
-        });
     }
 };
 
@@ -114,7 +99,7 @@ TEST_F(ConfiguredLutTest, TellsHowLongItTook)
 
 TEST_F(ConfiguredLutTest, TellsTheStateOfTheCamera)
 {
-    static_cast<void>(cam_->EnableLUT(true));
+    switchOn();
     apply();
     EXPECT_THAT(journal().logs(),
                 Contains(info("  current LUT state: ena 1, banks 2, chans 1, entries 512")));
@@ -122,9 +107,7 @@ TEST_F(ConfiguredLutTest, TellsTheStateOfTheCamera)
 
 TEST_F(ConfiguredLutTest, HasOneChannelForMonochromeAndThreeForColour)
 {
-    CameraText text;
-    text.sensor = "width = 160, height = 120, colour = true";
-    connect(text);
+    connectColour();
     apply();
     EXPECT_THAT(cam_->luts, ElementsAre(Field(&kxtest::LutWrite::channel, 0U)));
     cam_->luts.clear();
@@ -154,9 +137,7 @@ TEST_F(ConfiguredLutTest, IsLoadedIntoATwelveBitColourImage)
 {
     proc_->dataBits = 12;
     proc_->isColor = true;
-    CameraText text;
-    text.sensor = "width = 160, height = 120, colour = true";
-    connect(text);
+    connectColour();
     apply();
     EXPECT_THAT(cam_->luts, SizeIs(3));
 }
@@ -274,9 +255,8 @@ TEST_F(ConfiguredLutTest, NeedsACameraWith512Entries)
 
 TEST_F(ConfiguredLutTest, IsSwitchedOffWithoutATable)
 {
-    static_cast<void>(cam_->EnableLUT(true));
+    switchOn();
     host().config.lut.clear();
-    journal().clear();
     apply();
     EXPECT_THAT(lutCalls(), ElementsAre("Camera.GetLUTInfo()", "Camera.EnableLUT(off)"));
     EXPECT_THAT(journal().logs(),
@@ -295,7 +275,7 @@ TEST_F(ConfiguredLutTest, StaysOffWithoutATable)
 
 TEST_F(ConfiguredLutTest, MayRefuseToBeSwitchedOff)
 {
-    static_cast<void>(cam_->EnableLUT(true));
+    switchOn();
     host().config.lut.clear();
     failCalls("EnableLUT");
     apply();
@@ -328,9 +308,7 @@ TEST_F(ConfiguredLutTest, TakesBankZeroForActiveWhenTheCameraDoesNotTell)
 
 TEST_F(ConfiguredLutTest, IsGivenUpAtTheFirstChannelThatFails)
 {
-    CameraText text;
-    text.sensor = "width = 160, height = 120, colour = true";
-    connect(text);
+    connectColour();
     proc_->isColor = true;
     failCalls("SetLUTChannel", 1);
     apply();

@@ -62,13 +62,14 @@ TEST_F(GrabLoopTest, CallsTheHostAndTheCameraInOrder)
             "Camera.GetPropertyInfo", "Camera.GetProperty", "KxSc__SetParamVal",
             "Camera.GetPropertyInfo", "Camera.GetProperty", "KxSc__SetParamVal",
             "Image.GetTimeStamp", "KxSc__SetParamVal", "KxSc__SetParamVal", "KxGi__CommTriggerAll",
+            "KxGi__CheckDynConfig",
             // The second one is exported.
             "Camera.RetrieveBuffer", "Camera.ReadRegister", "KxUtl__CheckSignal", "Camera.GetStats",
             "KxGi__HaltStop", "Image.GetData", "Image.GetMetadata", "Camera.GetPropertyInfo",
             "Camera.GetProperty", "KxSc__SetParamVal", "Camera.GetPropertyInfo",
             "Camera.GetProperty", "KxSc__SetParamVal", "Image.GetTimeStamp", "KxSc__SetParamVal",
             "KxSc__SetParamVal", "KxGiMemInst__Trigger", "KxSc__SetParamVal", "KxSc__ProcExport",
-            "KxGi__CommTriggerAll", "Camera.StopCapture",
+            "KxGi__CommTriggerAll", "KxGi__CheckDynConfig", "Camera.StopCapture",
             // The end.
             "KxGi__SetTermSigProc", "KxGi__SetNewCfgVendor", "KxGi__SetNewCfgPlugin",
             "Camera.GetEmbeddedImageInfo", "Camera.SetEmbeddedImageInfo"));
