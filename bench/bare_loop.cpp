@@ -59,6 +59,7 @@ void takeFrame(OpenCamera& open, Scratch& scratch, bool first)
         KxUtl__TimeValDiff(&scratch.time, &scratch.time);
     }
     KxGi__CommTriggerAll(0, 0, 0);
+    static_cast<void>(KxGi__CheckDynConfig());
     KxUtl__TimeValDiff(&scratch.time, &scratch.time);
 }
 
