@@ -16,6 +16,13 @@ constexpr auto kLimit = 20s;
 /// Between two looks at the files.
 constexpr auto kLook = 2ms;
 
+/// What is left of a long log to be shown.
+std::string endOf(const std::string& log)
+{
+    constexpr std::size_t kShown = 3000;
+    return log.size() <= kShown ? log : "[...]" + log.substr(log.size() - kShown);
+}
+
 } // namespace
 
 std::vector<std::string> GrowingFile::newLines()
@@ -65,7 +72,7 @@ void LiveGrab::waitFor(const std::string& what, const std::function<bool()>& isT
         if (!runs || std::chrono::steady_clock::now() > until) {
             throw std::runtime_error("no " + what + (runs ? " in time" : " before the end") +
                                      "; kxhost said:\n" + process_->standardError() +
-                                     process_->standardOutput());
+                                     endOf(process_->standardOutput()));
         }
         process_->wait(kLook);
     }

@@ -22,20 +22,27 @@ std::string pacedBus()
     return kxtest::busWith(sensor);
 }
 
-TEST(SessionCtl, WordsReachTheGrab)
+TEST(SessionCtl, EachWordDoesWhatItsSignalDoes)
 {
     GrabSession session;
     session.bus = pacedBus();
+    session.set("log.level=info");
     LiveGrab grab(session);
+    const pid_t pid = grab.process().pid();
     grab.waitForMoreFrames(2);
-    EXPECT_EQ(ctl(grab.process().pid(), "reload").code, 0);
-    grab.waitForMoreFrames(2);
-    EXPECT_EQ(ctl(grab.process().pid(), "lut").code, 0);
-    grab.waitForMoreFrames(2);
-    EXPECT_EQ(ctl(grab.process().pid(), "finish").code, 0);
-    EXPECT_EQ(grab.process().wait(), 0) << grab.process().standardError();
+    EXPECT_EQ(ctl(pid, "reload").code, 0);
     grab.waitForMessage("kxhost: Reloaded ");
+    EXPECT_EQ(ctl(pid, "lut").code, 0);
+    grab.waitForLog("processing SIGUSR1...");
+    grab.waitForLog("continue operation with new LUT");
+    EXPECT_EQ(ctl(pid, "lut12").code, 0);
+    grab.waitForLog("processing SIGUSR2...");
+    grab.waitForLog("...Switching back to 8-bit mode...");
+    grab.waitForLog("continue operation with new LUT");
+    EXPECT_EQ(ctl(pid, "finish").code, 0);
+    EXPECT_EQ(grab.process().wait(), 0) << grab.process().standardError();
     kxtest::expectBalance(session);
+    EXPECT_EQ(session.summary()["reason"], "Finished as asked by a signal.");
 }
 
 TEST(SessionCtl, AnyOtherWordIsAMistake)

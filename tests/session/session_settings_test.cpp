@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <ostream>
+
 namespace {
 
 using kxtest::Finished;
@@ -107,9 +109,15 @@ TEST(SessionSettings, AbsentKeysLeaveTheCameraAsItIs)
 }
 
 struct Excess {
+    const char* name;
     const char* configuration;
     const char* warning;
 };
+
+void PrintTo(const Excess& each, std::ostream* out)
+{
+    *out << each.name;
+}
 
 class BeyondTheCamera : public testing::TestWithParam<Excess> {};
 
@@ -131,19 +139,21 @@ TEST_P(BeyondTheCamera, IsWarnedOfAndTheGrabGoesOnWithTheOldValue)
 
 INSTANTIATE_TEST_SUITE_P(
     SessionSettings, BeyondTheCamera,
-    testing::Values(Excess{"[acquisition]\ngain = \"50 dB\"",
+    testing::Values(Excess{"GainAbove", "[acquisition]\ngain = \"50 dB\"",
                            "  asked Gain val 50.000000 exceeds max 24.000000, skipped"},
-                    Excess{"[acquisition]\ngain = \"-5 dB\"",
+                    Excess{"GainBelow", "[acquisition]\ngain = \"-5 dB\"",
                            "  asked Gain val -5.000000 is lower than min 0.000000, skipped"},
-                    Excess{"[acquisition]\nexposure = \"5 us\"",
+                    Excess{"ExposureBelow", "[acquisition]\nexposure = \"5 us\"",
                            "  asked ExpoTime val 5.000000 is lower than min "},
-                    Excess{"[acquisition]\nframe_rate = \"200 fps\"",
+                    Excess{"FrameRateAbove", "[acquisition]\nframe_rate = \"200 fps\"",
                            "  asked Fps val 200.000000 exceeds max "},
-                    Excess{"[acquisition]\ngamma = 5",
+                    Excess{"GammaAbove", "[acquisition]\ngamma = 5",
                            "  asked Gamma val 5.000000 exceeds max 4.000000, skipped"},
-                    Excess{"[color]\nsaturation = \"401 %\"",
+                    Excess{"SaturationAbove", "[color]\nsaturation = \"401 %\"",
                            "  asked Saturation val 401.000000 exceeds max 400.000000, skipped"},
-                    Excess{"[color]\nwhite_balance_red = 2000\nwhite_balance_blue = 500",
-                           "  asked WhiteBalance Red val 2000 exceeds max 1023, skipped"}));
+                    Excess{"WhiteBalanceAbove",
+                           "[color]\nwhite_balance_red = 2000\nwhite_balance_blue = 500",
+                           "  asked WhiteBalance Red val 2000 exceeds max 1023, skipped"}),
+    [](const auto& each) { return std::string(each.param.name); });
 
 } // namespace
