@@ -132,6 +132,7 @@ int grab(const CommandLine& commandLine, const Configuration& configuration, con
 
 int commandGrab(const CommandLine& commandLine)
 {
+    blockSteeringSignals(); // first: who sends one does not know how far this process is
     Configuration configuration;
     if (!configure(commandLine, configuration)) {
         return giveUp(commandLine, kExitConfiguration, "The configuration was refused.");
@@ -142,7 +143,6 @@ int commandGrab(const CommandLine& commandLine)
         }
     }
     const Settings& settings = services().settings = configuration.settings;
-    blockSteeringSignals();
     // A file that may not grow is an error of its write, as on a full disk, and no reason to die.
     std::signal(SIGXFSZ, SIG_IGN);
     // Nor is a reader of the log that went away.

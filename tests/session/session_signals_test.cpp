@@ -77,4 +77,30 @@ TEST(SessionSignals, ASecondInterruptEndsAtOnce)
     }
 }
 
+TEST(SessionSignals, EndsAtOnceWhileACameraIsPoweredUp)
+{
+    GrabSession session;
+    // It takes most of a second until the camera has power, and nobody looks at signals meanwhile.
+    session.bus = pacedBus() + "[camera.power]\nbehaviour = \"delayed\"\nreads = 9\n";
+    session.set("log.level=info");
+    LiveGrab grab(session);
+    grab.waitForLog("Check configured Model");
+    EXPECT_EQ(grab.finish(SIGTERM), 0) << grab.process().standardError();
+    EXPECT_EQ(session.summary()["reason"], "Finished as asked by a signal, outside the grab loop.");
+    EXPECT_EQ(session.summary()["passes"], 1);
+}
+
+TEST(SessionSignals, AReloadWhileItWaitsForACameraIsTakenOver)
+{
+    GrabSession session;
+    session.bus = "";
+    session.set("log.level=info");
+    LiveGrab grab(session);
+    grab.waitForLog("no any devices found");
+    grab.signal(SIGHUP);
+    grab.waitForMessage("kxhost: Reloaded ");
+    grab.signal(SIGUSR1);
+    EXPECT_EQ(grab.finish(SIGINT), 0) << grab.process().standardError();
+}
+
 } // namespace
