@@ -66,7 +66,7 @@ public:
     /// Region or format changed.
     void formatChanged();
     /// `error` is what a call that changes a look-up table has answered; returns it.
-    FlyCapture2::Error lutChanged(FlyCapture2::Error error);
+    FlyCapture2::Error lutChanged(const FlyCapture2::Error& error);
     FlyCapture2::Error stats(FlyCapture2::CameraStats& stats) const;
     void setEmbedded(const FlyCapture2::EmbeddedImageInfo& wanted);
 

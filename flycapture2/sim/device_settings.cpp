@@ -50,7 +50,7 @@ void Device::formatChanged()
     retime();
 }
 
-Error Device::lutChanged(Error error)
+Error Device::lutChanged(const Error& error)
 {
     capture_.settingsChanged();
     return error;
