@@ -95,6 +95,21 @@ TEST_F(SessionReload, ABrokenFileIsRefusedWithItsLineAndTheGrabGoesOn)
     }
 }
 
+TEST_F(SessionReload, ACameraThatRefusesItGetsTheOneBefore)
+{
+    LiveGrab grab(session_);
+    grab.waitForMoreFrames(5);
+    // A camera without colours has no mosaic.
+    grab.writeConfiguration(kSmall + "[format]\npixel_format = \"bayer8\"\n");
+    grab.signal(SIGHUP);
+    grab.waitForMessage("The camera refused the new configuration");
+    const Json frame = grab.waitForFrame(
+        "frame behind it", [](const Json& each) { return each["configuration"] == 3; });
+    EXPECT_EQ(frame["width"], 64);
+    EXPECT_EQ(frame["codec"], "MONO8T");
+    EXPECT_EQ(grab.finish(), 0);
+}
+
 TEST_F(SessionReload, AnUnchangedFileChangesNothing)
 {
     session_.set("log.level=info");
