@@ -12,9 +12,7 @@ using testing::Contains;
 using testing::Each;
 using testing::ElementsAre;
 using testing::Field;
-using testing::HasSubstr;
 using testing::IsEmpty;
-using testing::Not;
 using testing::SizeIs;
 
 // So many bytes are never there; the sanitizers too then answer as malloc does.

@@ -155,7 +155,7 @@ struct Effect {
     int format = 1;
 };
 
-/// The first row that fits a code, a mode and significant bits tells. State 5 is there before.
+/// With state 5 and format code 9 before.
 Effect effectOf(std::uint32_t code, std::uint32_t mode, unsigned dataBits)
 {
     switch (code) {
