@@ -20,7 +20,7 @@ Level throughGamma(std::size_t step, float gamma)
 Level throughLut(Level level, const SensorLut& lut, unsigned plane)
 {
     const auto& entries = lut.channels[plane < lut.channels.size() ? plane : 0];
-    const std::size_t index = level >> (16 - lut.inputBits);
+    const std::size_t index = std::size_t{level} >> (16 - lut.inputBits);
     return static_cast<Level>(entries[std::min(index, entries.size() - 1)]
                               << (16 - lut.outputBits));
 }

@@ -9,7 +9,6 @@
 
 namespace {
 
-using kxtest::kSceneHeight;
 using kxtest::kSceneWidth;
 using kxtest::ReadPicture;
 using kxtest::SceneSession;
