@@ -23,6 +23,12 @@ std::string endOf(const std::string& log)
     return log.size() <= kShown ? log : "[...]" + log.substr(log.size() - kShown);
 }
 
+std::unique_ptr<Process> startEndless(GrabSession& session)
+{
+    session.set("grab.frames=0");
+    return session.start();
+}
+
 } // namespace
 
 std::vector<std::string> GrowingFile::newLines()
@@ -38,14 +44,10 @@ std::vector<std::string> GrowingFile::newLines()
 }
 
 LiveGrab::LiveGrab(GrabSession& session)
-    : session_(session), metadata_(session.output("frames.ndjson")), log_{GrowingFile(""), {}, 0},
-      messages_{GrowingFile(""), {}, 0}
-{
-    session_.set("grab.frames=0");
-    process_ = session_.start();
-    log_.file = GrowingFile(process_->standardOutputFile());
-    messages_.file = GrowingFile(process_->standardErrorFile());
-}
+    : session_(session), process_(startEndless(session)),
+      metadata_(session.output("frames.ndjson")), log_(process_->standardOutputFile()),
+      messages_(process_->standardErrorFile())
+{}
 
 void LiveGrab::update()
 {

@@ -10,7 +10,9 @@
 #include <csignal>
 #include <cstddef>
 #include <functional>
+#include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace kxtest {
@@ -61,6 +63,7 @@ public:
 
 private:
     struct Stream {
+        explicit Stream(std::string path) : file(std::move(path)) {}
         GrowingFile file;
         std::vector<std::string> lines;
         std::size_t next = 0; ///< the first line not yet looked at
