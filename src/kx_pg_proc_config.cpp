@@ -208,6 +208,9 @@ int CCamProc::ProcSetCamConfig(CExCam* cam, CameraInfo* info, unsigned int buffe
     if (const int result = applyImage(*this, *cam, settings, packet); result != kDone) {
         return result;
     }
+    // Frames have this size from here on, even if the camera does not tell it again.
+    roiWidth = settings.width;
+    roiHeight = settings.height;
     numBuffers = bufferCount;
     if (const int result = applyCapture(*cam, numBuffers); result != kDone) {
         return result;

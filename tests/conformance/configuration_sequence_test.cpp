@@ -298,4 +298,15 @@ TEST_F(ConfigurationSequenceTest, SendsTheConfiguredRegion)
     EXPECT_EQ(proc_->roiHeight, 240U);
 }
 
+TEST_F(ConfigurationSequenceTest, KnowsTheSizeOfItsFramesThoughTheCameraDoesNotTellItAgain)
+{
+    // Whoever reads the pixels goes by it: the former size would lead past the frame's end.
+    host().config.width = 320;
+    host().config.height = 240;
+    failCalls("GetFormat7Configuration", 1, 0);
+    ASSERT_EQ(configure(), 0);
+    EXPECT_EQ(proc_->roiWidth, 320U);
+    EXPECT_EQ(proc_->roiHeight, 240U);
+}
+
 } // namespace
