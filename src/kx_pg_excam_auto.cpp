@@ -14,6 +14,8 @@ namespace KxPGrey {
 
 namespace {
 
+// Bounds are asked for as what has to hold, so that what is no number does not pass.
+
 // The SDK's properties do not show these.
 constexpr unsigned int kAutoGainRange = 0x10A0;
 constexpr unsigned int kAutoShutterRange = 0x1098;
@@ -33,7 +35,7 @@ int CExCam::ExPropertySetAutoRangeGain(float minDb, float maxDb)
     float lowest = 0;
     float highest = 0;
     static_cast<void>(ExPropertyGetAbsRange(FlyCapture2::GAIN, &lowest, &highest));
-    if (lowest > minDb || maxDb > highest) {
+    if (!(lowest <= minDb && maxDb <= highest)) {
         KX_LOG_W("AUTO_GAIN_RANGE is out of bounds");
         return kExOutOfBounds;
     }
@@ -56,7 +58,7 @@ int CExCam::ExPropertySetAutoRangeExpo(float minUs, float maxUs)
     static_cast<void>(ExPropertyGetAbsRange(FlyCapture2::SHUTTER, &lowestMs, &highestMs));
     const double lowest = static_cast<double>(lowestMs) * kUsPerMs;
     const double highest = static_cast<double>(highestMs) * kUsPerMs;
-    if (lowest > static_cast<double>(minUs) || static_cast<double>(maxUs) > highest) {
+    if (!(lowest <= static_cast<double>(minUs) && static_cast<double>(maxUs) <= highest)) {
         KX_LOG_W("AUTO_SHUTTER_RANGE is out of bounds");
         return kExOutOfBounds;
     }
@@ -75,7 +77,7 @@ int CExCam::ExSetAutoExpoVal(float level)
 {
     constexpr float kDarkest = 0.0F;
     constexpr float kBrightest = 1.0F;
-    if (level <= kDarkest || level >= kBrightest) {
+    if (!(kDarkest < level && level < kBrightest)) {
         KX_LOG_W("the value %f is out of bounds (%f;%f)", static_cast<double>(level),
                  static_cast<double>(kDarkest), static_cast<double>(kBrightest));
         return kExOutOfBounds;

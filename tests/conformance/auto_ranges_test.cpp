@@ -100,6 +100,24 @@ TEST_F(AutoRangesTest, LimitsBelowARangeFromZeroAreRefused)
     EXPECT_THAT(registerWrites(), IsEmpty());
 }
 
+TEST_F(AutoRangesTest, LimitsThatAreNoNumbersAreRefused)
+{
+    const float noNumber = std::nanf("");
+    EXPECT_EQ(cam_->ExPropertySetAutoRangeGain(noNumber, 12), -5);
+    EXPECT_EQ(cam_->ExPropertySetAutoRangeGain(0, noNumber), -5);
+    EXPECT_EQ(cam_->ExPropertySetAutoRangeExpo(noNumber, 20'000), -5);
+    EXPECT_EQ(cam_->ExPropertySetAutoRangeExpo(100, noNumber), -5);
+    EXPECT_THAT(registerWrites(), IsEmpty());
+}
+
+TEST_F(AutoRangesTest, ShowNegativeStepsAsTheirLower32Bits)
+{
+    EXPECT_EQ(cam_->ExPropertySetAutoRangeGain(-2.5F, 1), 0);
+    EXPECT_EQ(journal().logs().back(),
+              info("### set AUTO_GAIN_RANGE abs (min -2.500000, max 1.000000) rel (min 4294967271, "
+                   "max 10) ###"));
+}
+
 TEST_F(AutoRangesTest, LongLimitsWrap)
 {
     absRanges[GAIN] = {0.0F, 500.0F};
@@ -228,7 +246,7 @@ TEST_F(AutoExposureTest, TargetFollowsTheRangeThatTheCameraHasNow)
 
 TEST_F(AutoExposureTest, LevelsAtBothEndsAreOutOfBounds)
 {
-    for (const float level : {0.0F, 1.0F, -0.5F, 1.5F}) {
+    for (const float level : {0.0F, 1.0F, -0.5F, 1.5F, std::nanf("")}) {
         journal().clear();
         EXPECT_EQ(cam_->ExSetAutoExpoVal(level), -5);
         EXPECT_THAT(
