@@ -60,7 +60,10 @@ std::unique_ptr<T, FreeBlock> allocate(unsigned int bits)
 /// there.
 bool provideArrays(CCamProc& proc)
 {
-    if (!proc.cdfArray || proc.cdfBits < proc.bitsPerPixel) {
+    if (proc.cdfBits < proc.bitsPerPixel || proc.lutBits < proc.dataBits) {
+        proc.freeDynLut();
+    }
+    if (!proc.cdfArray) {
         proc.cdfArray = allocate<std::uint32_t>(proc.bitsPerPixel);
         proc.cdfBits = proc.bitsPerPixel;
         if (proc.cdfArray) {
@@ -68,7 +71,7 @@ bool provideArrays(CCamProc& proc)
                      static_cast<unsigned int>(proc.bitsPerPixel));
         }
     }
-    if (!proc.lutArray || proc.lutBits < proc.dataBits) {
+    if (!proc.lutArray) {
         proc.lutArray = allocate<std::uint16_t>(proc.dataBits);
         proc.lutBits = proc.dataBits;
         if (proc.lutArray) {

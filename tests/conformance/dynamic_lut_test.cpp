@@ -12,6 +12,7 @@ using testing::Contains;
 using testing::Each;
 using testing::ElementsAre;
 using testing::Field;
+using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::SizeIs;
 
@@ -294,6 +295,17 @@ TEST_F(DynamicLutTest, IsAbandonedWithoutMemory)
     EXPECT_THAT(cam_->luts, SizeIs(1));
 }
 
+TEST_F(DynamicLutTest, ForgetsATableThatItCouldNotReplace)
+{
+    pass();
+    ASSERT_NE(proc_->lastLutData, nullptr);
+    useBits(8, kTooManyBits);
+    use(4);
+    step();
+    // A table of the host's that gets the address is another one.
+    EXPECT_EQ(proc_->lastLutData, nullptr);
+}
+
 TEST_F(DynamicLutTest, EndsTheTwelveBitGrabOnceItIsCalculated)
 {
     useBits(12, 12);
@@ -457,6 +469,35 @@ TEST_F(DynamicLutTest, LetsTheHostsTableComeBack)
     proc_->ProcParametrizeCamManLUT(cam_.get(), false);
     ASSERT_THAT(cam_->luts, SizeIs(3));
     EXPECT_THAT(cam_->luts[2].entries, Each(3U));
+}
+
+TEST_F(DynamicLutTest, LoadsATableOnceThatIsNotCalculatedAnew)
+{
+    pass();
+    journal().clear();
+    use(5);
+    step();
+    EXPECT_THAT(journal().logs(),
+                ElementsAre(HasSubstr("LUT settings handler entry"),
+                            info("  LUT configuration is skipped: no data change is detected"),
+                            info(kContinues)));
+    EXPECT_THAT(lutCalls(), IsEmpty());
+}
+
+TEST_F(DynamicLutTest, DoesNotAskTheHostForItsTable)
+{
+    host().config.lut.assign(512, 3);
+    pass();
+    EXPECT_EQ(journal().count("KxGiMainCtx__GetLutDataU16"), 0U);
+    EXPECT_EQ(journal().count("KxGiMainCtx__GetLutBitSize"), 0U);
+}
+
+TEST_F(DynamicLutTest, SwitchesTheTableOffWhenAskedToLoadOneThatIsNotThere)
+{
+    switchOn();
+    host().config.lut.assign(512, 3);
+    proc_->ProcParametrizeCamManLUT(cam_.get(), true);
+    EXPECT_THAT(lutCalls(), ElementsAre("Camera.GetLUTInfo()", "Camera.EnableLUT(off)"));
 }
 
 // ---- Finish.
