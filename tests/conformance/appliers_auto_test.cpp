@@ -213,6 +213,15 @@ TEST_F(AutoFuncTest, NeverTriesAFailedSwitchAgainUntilTheModeChanges)
     EXPECT_THAT(told(), ElementsAre(gainLine(true), shutterLine(true)));
 }
 
+TEST_F(AutoFuncTest, SaysWhatItKeepsBeforeItSwitchesTheRest)
+{
+    apply(1, 0, 2);
+    EXPECT_THAT(journal().logs(),
+                ElementsAre(info("AutoFunc settings handler entry vals: prof 1, gainm 0, etimem 2"),
+                            info("  skipped for \"GainMode\""), HasSubstr("(AUTO_EXPOSURE)"),
+                            shutterLine(true)));
+}
+
 TEST_F(AutoFuncTest, IsSwitchedInItsOrder)
 {
     apply(1, 2, 2);

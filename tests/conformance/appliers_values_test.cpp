@@ -166,6 +166,19 @@ TEST_F(ApplierValuesTest, GammaOfOneSwitchesGammaOff)
     EXPECT_THAT(cam_->written, IsEmpty());
 }
 
+TEST_F(ApplierValuesTest, GammaInForceIsShownWhateverBecomesOfIt)
+{
+    cam_->absValues[GAMMA] = 1.75F;
+    const std::string current = info("  cur Gamma val is 1.750000 (min 0.500000, max 4.000000)");
+    gamma(0.1F);
+    EXPECT_THAT(applierLogs(), ElementsAre(HasSubstr("handler entry"), current,
+                                           HasSubstr("is not allowed, skipped")));
+    journal().clear();
+    gamma(1.0F);
+    EXPECT_THAT(applierLogs(), ElementsAre(HasSubstr("handler entry"), current,
+                                           info("  Gamma control is turned off")));
+}
+
 TEST_F(ApplierValuesTest, GammaIsCalledOffWhateverTheCameraAnswers)
 {
     failCalls("SetProperty");

@@ -202,6 +202,13 @@ TEST_F(ConfiguredLutTest, WaitsWithoutATableToo)
     EXPECT_THAT(lutCalls(), IsEmpty());
 }
 
+TEST_F(ConfiguredLutTest, WaitsForTheStateAndNotForTheMode)
+{
+    proc_->dynLutMode = 6;
+    apply();
+    EXPECT_THAT(cam_->luts, SizeIs(1));
+}
+
 TEST_F(ConfiguredLutTest, NeedsACameraThatHasOne)
 {
     connectWith("[camera.lut]\nsupported = false\n");
@@ -283,6 +290,29 @@ TEST_F(ConfiguredLutTest, MayRefuseToBeSwitchedOff)
                 Contains(warning(kFunction, "can't disable LUT follow configuration: error - " +
                                                 failureOf("EnableLUT"))));
     EXPECT_THAT(journal().logs(), Contains(info("  LUT is disabled due to configuration")));
+}
+
+TEST_F(ConfiguredLutTest, IsSwitchedOffForTwelveBitMonochromeToo)
+{
+    switchOn();
+    host().config.lut.clear();
+    proc_->dataBits = 12;
+    apply();
+    EXPECT_THAT(lutCalls(), ElementsAre("Camera.GetLUTInfo()", "Camera.EnableLUT(off)"));
+    EXPECT_THAT(journal().logsWith("[w|"), IsEmpty());
+}
+
+TEST_F(ConfiguredLutTest, WarnsOfACameraWithoutOneAlsoWithoutATable)
+{
+    host().config.lut.clear();
+    failCalls("GetLUTInfo");
+    apply();
+    EXPECT_EQ(journal().logs().back(),
+              warning(kFunction, "can't do GetLUTInfo: error - " + failureOf("GetLUTInfo")));
+    connectWith("[camera.lut]\nsupported = false\n");
+    apply();
+    EXPECT_EQ(journal().logs().back(), warning(kFunction, "LUT is not supported for this device"));
+    EXPECT_EQ(journal().count("Camera.EnableLUT"), 0U);
 }
 
 // ---- Cameras that refuse.

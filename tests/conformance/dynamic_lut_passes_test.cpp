@@ -394,6 +394,54 @@ TEST_F(LutPassTest, DoesNotRepeatALoopThatFailed)
     EXPECT_EQ(journal().count("Camera.StartCapture"), 1U);
 }
 
+TEST_F(LutPassTest, LeavesNothingBehindWhenItIsInterrupted)
+{
+    for (const char* const where :
+         {"KxGi__CalcLutDynam", "KxGi__GetLutDynam", "KxUtl__TimeValDiff"}) {
+        SCOPED_TRACE(where);
+        connect(); // an interrupted grab leaves its camera capturing
+        host().config.format = 1;
+        // In the middle of the calculation, and once its table waits to be loaded.
+        host().onCall = [this, where, thrown = false](std::string_view name) mutable {
+            if (name == where && !thrown && (proc_->dynLutState == 4 || proc_->dynLutState == 5)) {
+                thrown = true;
+                throw std::runtime_error("interrupted");
+            }
+        };
+        EXPECT_EQ(grabOnce(4, {{3, 4}}), -10);
+        EXPECT_THAT(journal().logsWith("(-10): interrupted"), SizeIs(1));
+        EXPECT_FALSE(proc_->lutArray);
+        EXPECT_FALSE(proc_->cdfArray);
+    }
+    // The next session starts from scratch.
+    host().onCall = nullptr;
+    host().config.format = 1;
+    connect();
+    EXPECT_EQ(grabOnce(4, {{2, 3}}), 0);
+    EXPECT_EQ(journal().count("Camera.StartCapture"), 1U);
+    EXPECT_THAT(journal().logsWith("allocated"), SizeIs(2));
+}
+
+TEST_F(LutPassTest, StartsAgainWithTheNewConfigurationWhenThatEndsTheLoop)
+{
+    // The pass is stuck in its 12-bit loop when the host asks for a new start.
+    failCalls("GetLUTInfo", 1, 1);
+    host().doReconfig = [](int* restart) {
+        host().config.format = 1;
+        host().config.width = 80;
+        *restart = 1;
+        return 0;
+    };
+    EXPECT_EQ(grabOnce(4, {{3, 4}, {4, 2}}), 0);
+    EXPECT_THAT(trace_, ElementsAre("0/0", "0/0", "0/0", "1/6", "1/6", "5/7", "8/7", "0/0", "0/0"));
+    EXPECT_THAT(pixelFormats(),
+                ElementsAre(FlyCapture2::PIXEL_FORMAT_MONO8, FlyCapture2::PIXEL_FORMAT_MONO12,
+                            FlyCapture2::PIXEL_FORMAT_MONO8, FlyCapture2::PIXEL_FORMAT_MONO8));
+    EXPECT_THAT(journal().lines({"KxGi__CalcLutDynam"}),
+                ElementsAre("KxGi__CalcLutDynam(80, 120, 80, 8)"));
+    EXPECT_EQ(proc_->dynLutMode, 0U);
+}
+
 TEST_F(LutPassTest, StartsAndEndsASessionWithoutArrays)
 {
     proc_->dynLutState = 5;
