@@ -53,24 +53,29 @@ TEST(SessionSignals, FinishesAlsoWhileItWaitsForACamera)
 TEST(SessionSignals, FinishesAlsoWhenEveryRetrievalFails)
 {
     GrabSession session;
-    // The grab loop looks at signals behind a frame only, and no frame comes any more.
-    session.bus = kxtest::busWithFault("kind = \"error\"\nframe = 4\ncount = 100000\n", true);
+    // The grab loop looks at signals behind a frame only, and no frame comes any more. Frames come
+    // when they are fetched, so none is lost on a busy machine; slow registers keep the failures,
+    // of which the plug-in bears 5000, from rushing by.
+    session.bus = kxtest::busWith({}, "register_time_us = 2000\n[[camera.fault]]\n"
+                                      "kind = \"error\"\nframe = 4\ncount = 100000\n");
     LiveGrab grab(session);
     grab.waitForMoreFrames(3);
     EXPECT_EQ(grab.finish(SIGTERM), 0) << grab.process().standardError();
     EXPECT_EQ(session.summary()["exported"]["written"], 3);
+    EXPECT_EQ(session.summary()["reason"],
+              "Finished as asked by a signal, while no frame arrived.");
 }
 
-TEST(SessionSignals, ASecondInterruptEndsAtOnce)
+TEST(SessionSignals, ASecondFinishingSignalEndsAtOnce)
 {
     GrabSession session;
     // The camera delivers nothing more, so that the first signal is not seen until the time-out.
-    session.bus = kxtest::busWithFault("kind = \"stall\"\nframe = 4\n", true);
+    session.bus = kxtest::busWithFault("kind = \"stall\"\nframe = 4\n");
     LiveGrab grab(session);
     grab.waitForMoreFrames(3);
+    // Two kinds, of which both arrive even if they are taken together, this one first.
     grab.signal(SIGINT);
-    EXPECT_EQ(grab.process().wait(std::chrono::milliseconds(100)), -1);
-    EXPECT_EQ(grab.finish(SIGINT), 128 + SIGINT);
+    EXPECT_EQ(grab.finish(SIGTERM), 128 + SIGTERM);
     // What is on disk is whole nevertheless.
     for (const std::string& name : session.pictures()) {
         EXPECT_TRUE(name.ends_with(".png") || name.ends_with(".part")) << name;
