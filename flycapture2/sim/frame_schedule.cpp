@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace fcsim {
 
@@ -31,7 +32,7 @@ FrameSchedule::FrameSchedule(double latencyUs, double jitterUs, std::uint64_t se
 void FrameSchedule::begin(double startUs, const FrameSettings& settings)
 {
     stretches_.reserve(kMostStretches);
-    stretches_.assign(1, {0, startUs, settings});
+    stretches_.assign(1, {0, startUs, -std::numeric_limits<double>::infinity(), 0, settings});
 }
 
 std::uint64_t FrameSchedule::firstAfter(double nowUs) const
@@ -45,15 +46,26 @@ void FrameSchedule::change(std::uint64_t first, const FrameSettings& settings)
 {
     Stretch& last = stretches_.back();
     if (first <= last.first) {
-        last.settings = settings;
+        apply(last, settings);
         return;
     }
-    const double startUs =
-        last.startUs + static_cast<double>(first - last.first) * last.settings.periodUs;
+    const double periodUs = last.settings.periodUs;
+    const double startUs = last.startUs + static_cast<double>(first - last.first) * periodUs;
+    Stretch next{first, startUs, startUs - periodUs + last.settings.exposureUs, periodUs, {}};
+    apply(next, settings);
     if (stretches_.size() == kMostStretches) {
         stretches_.erase(stretches_.begin() + 1);
     }
-    stretches_.push_back({first, startUs, settings});
+    stretches_.push_back(next);
+}
+
+/// Exposures end at least the shorter of the two periods apart.
+void FrameSchedule::apply(Stretch& stretch, const FrameSettings& settings)
+{
+    const double apartUs = std::min(stretch.periodBeforeUs, settings.periodUs);
+    stretch.startUs =
+        std::max(stretch.startUs, stretch.endBeforeUs + apartUs - settings.exposureUs);
+    stretch.settings = settings;
 }
 
 void FrameSchedule::forget(std::uint64_t number)

@@ -35,7 +35,9 @@ struct ScheduledFrame {
 
 /// The frames of one capture. A free-running camera: frame k starts one period after frame k - 1,
 /// and arrives after exposure, transfer, latency and jitter. Each frame is taken with the settings
-/// that are in force when its exposure begins. Not thread-safe.
+/// that are in force when its exposure begins. Where a shorter exposure would end sooner than one
+/// period after the one before, it begins later: the sensor reads out no faster for a change, and
+/// who fetches a frame in each period loses none. Not thread-safe.
 class FrameSchedule {
 public:
     FrameSchedule(double latencyUs, double jitterUs, std::uint64_t seed);
@@ -60,9 +62,12 @@ private:
     struct Stretch {
         std::uint64_t first;
         double startUs;
+        double endBeforeUs;    ///< of the exposure of the frame before the first
+        double periodBeforeUs; ///< of that frame
         FrameSettings settings;
     };
 
+    static void apply(Stretch& stretch, const FrameSettings& settings);
     const Stretch& stretchOf(std::uint64_t number) const;
 
     double latencyUs_;

@@ -64,7 +64,36 @@ TEST_F(FrameScheduleTest, TheLaterOfTwoChangesForOneFrameHolds)
     schedule.change(1, settingsOf(1000, 50, 4)); // never before the change that was there
     EXPECT_EQ(gainOf(1), 1U);
     EXPECT_EQ(gainOf(2), 4U);
+    EXPECT_DOUBLE_EQ(schedule.times(3).startUs, 8050); // the exposure ends when the others do
+}
+
+TEST_F(FrameScheduleTest, AShorterExposureDoesNotBringTheNextFrameEarly)
+{
+    schedule.begin(0, settingsOf(1000, 900, 1));
+    schedule.change(3, settingsOf(1000, 100, 2));
+    EXPECT_DOUBLE_EQ(schedule.times(2).exposureEndUs, 2900);
+    EXPECT_DOUBLE_EQ(schedule.times(3).startUs, 3800);
+    EXPECT_DOUBLE_EQ(schedule.times(3).exposureEndUs, 3900);
+    EXPECT_DOUBLE_EQ(schedule.times(4).exposureEndUs, 4900);
+    EXPECT_EQ(schedule.firstAfter(3799), 3U); // it has not begun when it would have
+}
+
+TEST_F(FrameScheduleTest, AShorterExposureAtAnotherRateKeepsTheShorterPeriod)
+{
+    schedule.begin(0, settingsOf(1000, 900, 1));
+    schedule.change(3, settingsOf(400, 300, 2));
+    EXPECT_DOUBLE_EQ(schedule.times(3).exposureEndUs, 3300);
+    schedule.change(5, settingsOf(1000, 100, 3)); // frame 4 ends at 3700
+    EXPECT_DOUBLE_EQ(schedule.times(5).exposureEndUs, 4100);
+    schedule.change(5, settingsOf(1000, 800, 4)); // before it begins, and never sooner for it
+    EXPECT_DOUBLE_EQ(schedule.times(5).startUs, 4000);
+}
+
+TEST_F(FrameScheduleTest, ALongerExposureBeginsInItsTurn)
+{
+    schedule.change(3, settingsOf(1000, 900, 2));
     EXPECT_DOUBLE_EQ(schedule.times(3).startUs, 8000);
+    EXPECT_DOUBLE_EQ(schedule.times(3).exposureEndUs, 8900);
 }
 
 TEST_F(FrameScheduleTest, ForgettingKeepsTheSettingsOfTheFramesThatFollow)
@@ -74,7 +103,7 @@ TEST_F(FrameScheduleTest, ForgettingKeepsTheSettingsOfTheFramesThatFollow)
     schedule.forget(3);
     EXPECT_EQ(gainOf(3), 2U);
     EXPECT_EQ(gainOf(4), 3U);
-    EXPECT_DOUBLE_EQ(schedule.times(3).startUs, 8000);
+    EXPECT_DOUBLE_EQ(schedule.times(3).startUs, 8050);
 }
 
 TEST_F(FrameScheduleTest, TheNewestOfVeryManyChangesHold)
@@ -85,7 +114,7 @@ TEST_F(FrameScheduleTest, TheNewestOfVeryManyChangesHold)
     for (std::uint64_t number = 9800; number <= 10'000; ++number) {
         ASSERT_EQ(gainOf(number), 1000 + number);
         ASSERT_DOUBLE_EQ(schedule.times(number).startUs,
-                         5000 + 1000.0 * static_cast<double>(number));
+                         5050 + 1000.0 * static_cast<double>(number));
     }
     EXPECT_EQ(gainOf(0), 1U);
 }

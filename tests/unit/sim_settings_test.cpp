@@ -85,18 +85,31 @@ TEST_F(SimSettings, FramesThatWaitInBuffersKeepWhatTheyWereExposedWith)
     for (const float gain : {1.0F, 2.0F, 3.0F, 4.0F}) {
         fcsim::advanceClock(kPeriodUs);
         set(GAIN, gain);
-        set(SHUTTER, gain);
+        set(SHUTTER, 10 + gain);
     }
     EXPECT_EQ(get(GAIN).absValue, 4);
     for (std::uint64_t number = 0; number < 6; ++number) {
         const fcsim::FrameTruth truth = next();
         // Frames 1 to 4 begin at the moment of a change and so before it.
         const auto gain = static_cast<float>(number == 0 ? 0 : number - 1);
-        const double shutterMs = number < 2 ? 10 : static_cast<double>(number - 1);
+        const double shutterMs = number < 2 ? 10 : static_cast<double>(10 + number - 1);
         EXPECT_EQ(truth.number, number);
         EXPECT_EQ(truth.gainDb, gain);
         EXPECT_EQ(truth.exposureUs, static_cast<unsigned>(shutterMs * 1000));
         EXPECT_EQ(image.GetMetadata().embeddedGain, rawGain(static_cast<double>(gain)));
+    }
+}
+
+TEST_F(SimSettings, AProgramThatIsLateForOneFrameLosesNoneToAShorterExposure)
+{
+    start(DROP_FRAMES);
+    std::uint64_t number = 0;
+    for (const float shutterMs : {30.0F, 1.0F, 35.0F, 20.0F, 0.1F, 38.0F, 5.0F}) {
+        set(SHUTTER, shutterMs);
+        fcsim::advanceClock(kPeriodUs * 3 / 2); // one frame is waiting now, none has replaced it
+        for (int frame = 0; frame < 3; ++frame) {
+            EXPECT_EQ(next().number, number++) << "exposure " << shutterMs << " ms";
+        }
     }
 }
 
