@@ -3,11 +3,13 @@
 
 #include <CLI/CLI.hpp>
 
+#include <charconv>
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <functional>
 #include <map>
+#include <system_error>
 
 namespace kxhost {
 namespace {
@@ -25,13 +27,13 @@ Examples:
       A configured grab, with another picture format, until Ctrl-C.
   kxhost check -c camera.toml
       What a configuration says, key by key, and its mistakes.
-
   kxhost ctl 1234 reload
       Lets the grab with the process id 1234 read its configuration again.
 
 A first Ctrl-C (or SIGTERM) finishes: every frame accepted so far is written. A second one ends at
 once. SIGHUP reads the configuration again, SIGUSR1 computes a look-up table from the picture,
-SIGUSR2 does so with 12 bits; "kxhost ctl" sends them. The keys of a configuration are in docs/configuration.md.
+SIGUSR2 does so with 12 bits; "kxhost ctl" sends them. The keys of a configuration are in
+docs/configuration.md.
 
 Exit codes:
   0  fine                                6  frames could not be written
@@ -47,6 +49,23 @@ Exit codes:
 /// What `kxhost ctl` sends for its words.
 const std::map<std::string, int> kCtlWords = {
     {"finish", SIGTERM}, {"reload", SIGHUP}, {"lut", SIGUSR1}, {"lut12", SIGUSR2}};
+
+std::string whyNoPid(const std::string& text)
+{
+    int pid = 0;
+    const char* const end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, pid);
+    return error == std::errc{} && stop == end && pid > 0
+               ? ""
+               : "\"" + text + "\" is no process id, expected a whole number above 0";
+}
+
+std::string whyNoWord(const std::string& text)
+{
+    return kCtlWords.contains(text)
+               ? ""
+               : "\"" + text + "\" is unknown, expected finish, reload, lut or lut12";
+}
 
 constexpr const char* kCtlFooter = R"(
   finish   write every frame accepted so far and end (SIGTERM)
@@ -168,11 +187,13 @@ private:
         app->footer(kCtlFooter);
         app->add_option("PID", result_.pid, "Process id of the grab")
             ->required()
-            ->check(CLI::PositiveNumber);
-        app->add_option("WORD", result_.signal, "What it shall do")
+            ->type_name("")
+            ->check(CLI::Validator(whyNoPid, ""));
+        const auto take = [this](const std::string& word) { result_.signal = kCtlWords.at(word); };
+        app->add_option_function<std::string>("WORD", take, "What it shall do, see below")
             ->required()
-            ->transform(CLI::CheckedTransformer(kCtlWords, CLI::ignore_case)
-                            .description("finish, reload, lut or lut12"));
+            ->type_name("")
+            ->check(CLI::Validator(whyNoWord, ""));
     }
 
     void addConfigurationOptions(CLI::App* app)

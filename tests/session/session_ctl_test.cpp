@@ -49,9 +49,22 @@ TEST(SessionCtl, AnyOtherWordIsAMistake)
 {
     const Finished finished = ctl(1, "explode");
     EXPECT_EQ(finished.code, 2);
-    EXPECT_NE(finished.err.find("lut12"), std::string::npos) << finished.err;
-    EXPECT_EQ(kxtest::run({kxhostPath(), "ctl", "0", "lut"}).code, 2);
+    EXPECT_TRUE(finished.err.starts_with(
+        "WORD: \"explode\" is unknown, expected finish, reload, lut or lut12\n"))
+        << finished.err;
+    EXPECT_EQ(ctl(1, "10").code, 2) << "no numbers of signals";
     EXPECT_EQ(kxtest::run({kxhostPath(), "ctl", "lut"}).code, 2);
+}
+
+TEST(SessionCtl, WhatIsNoProcessIdIsToldSo)
+{
+    for (const std::string text : {"0", "-5", "x", "12abc", "99999999999999", "lut"}) {
+        const Finished finished = kxtest::run({kxhostPath(), "ctl", text, "lut"});
+        EXPECT_EQ(finished.code, 2);
+        EXPECT_TRUE(finished.err.starts_with(
+            "PID: \"" + text + "\" is no process id, expected a whole number above 0\n"))
+            << finished.err;
+    }
 }
 
 TEST(SessionCtl, AProcessThatIsNotThereIsNamed)
