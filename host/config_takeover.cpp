@@ -74,7 +74,10 @@ bool takeReload(HostServices& host, bool& restart)
     keepEqualTable(offer->settings, host.settings);
     std::swap(offer->settings, host.settings);
     host.before = std::make_unique<Settings>(std::move(offer->settings));
-    host.formatBeforePass.reset();
+    if (host.formatBeforePass) {
+        host.before->pixelFormat = *host.formatBeforePass;
+        host.formatBeforePass = host.settings.pixelFormat;
+    }
     applied(host);
     complain(reloaded(*offer) + (!inLoop   ? ": the grab starts with it."
                                  : restart ? ": the grab ends and starts again with it."
@@ -97,6 +100,9 @@ bool fallBack(HostServices& host)
     }
     keepEqualTable(*host.before, host.settings);
     std::swap(*host.before, host.settings);
+    if (host.formatBeforePass) {
+        host.formatBeforePass = host.settings.pixelFormat;
+    }
     settleReload(host);
     applied(host);
     complain("The camera refused the new configuration: the grab goes on with the one before.");

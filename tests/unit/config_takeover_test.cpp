@@ -194,8 +194,24 @@ TEST_F(ConfigTakeover, AReloadInAPassOfTwelveBitsBringsItsOwnFormat)
     EXPECT_EQ(KxGi__DoReconfig(&restart), 0);
     EXPECT_NE(restart, 0) << "the camera sends 12 bits";
     EXPECT_EQ(KxGiMainCtx__GetFormat(), 9);
+    KxGiMainCtx__SetFormat(1); // the pass ends after all
+    EXPECT_EQ(KxGiMainCtx__GetFormat(), 9) << "as the configuration says";
+}
+
+TEST_F(ConfigTakeover, ARefusedReloadInAPassOfTwelveBitsBringsBackTheFormatBeforeThePass)
+{
+    settings().pixelFormat = 9;
+    KxGiMainCtx__SetFormat(2);
+    KxGi__ResetTermSigProc();
+    Settings changed;
+    changed.pixelFormat = 4;
+    offerReload(changed);
+    int restart = 0;
+    EXPECT_EQ(KxGi__DoReconfig(&restart), 0);
+    EXPECT_TRUE(fallBack(host()));
+    EXPECT_EQ(KxGiMainCtx__GetFormat(), 9);
     KxGiMainCtx__SetFormat(1);
-    EXPECT_EQ(KxGiMainCtx__GetFormat(), 1) << "there is no earlier format any more";
+    EXPECT_EQ(KxGiMainCtx__GetFormat(), 9);
 }
 
 TEST_F(ConfigTakeover, ACameraThatRefusesItGetsTheOneBefore)
