@@ -1,13 +1,14 @@
 // Runs a program as a process of its own and sees what it prints and how it ends.
 #include "process.h"
 
+#include <cerrno>
 #include <csignal>
 #include <cstring>
 #include <stdexcept>
 
 #include <fcntl.h>
 #include <poll.h>
-#include <spawn.h>
+#include <sys/prctl.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -45,10 +46,19 @@ std::vector<std::string> environmentWith(const std::vector<std::string>& added)
     return all;
 }
 
-int toFile(posix_spawn_file_actions_t& actions, int stream, const std::string& path)
+/// In the new process: becomes the program, or ends with 127. It dies with this process, so that no
+/// endless grab fills the disk when a test is killed. Calls only what is safe after a fork.
+[[noreturn]] void become(pid_t parent, char* const* arguments, char* const* environment,
+                         const char* output, const char* error)
 {
-    return posix_spawn_file_actions_addopen(&actions, stream, path.c_str(),
-                                            O_WRONLY | O_CREAT | O_APPEND, 0600);
+    constexpr int kCannotRun = 127;
+    const int flags = O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC;
+    if (::prctl(PR_SET_PDEATHSIG, SIGKILL) == 0 && ::getppid() == parent &&
+        ::dup2(::open(output, flags, 0600), STDOUT_FILENO) >= 0 &&
+        ::dup2(::open(error, flags, 0600), STDERR_FILENO) >= 0) {
+        ::execve(arguments[0], arguments, environment);
+    }
+    ::_exit(kCannotRun);
 }
 
 } // namespace
@@ -58,16 +68,18 @@ Process::Process(const std::vector<std::string>& arguments,
 {
     std::vector<std::string> argumentTexts = arguments;
     std::vector<std::string> environmentTexts = environmentWith(environment);
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    toFile(actions, STDOUT_FILENO, standardOutputFile());
-    toFile(actions, STDERR_FILENO, standardErrorFile());
-    const int code =
-        posix_spawn(&pid_, arguments.at(0).c_str(), &actions, nullptr,
-                    pointersOf(argumentTexts).data(), pointersOf(environmentTexts).data());
-    posix_spawn_file_actions_destroy(&actions);
-    if (code != 0) {
-        throw std::runtime_error("cannot run " + arguments.at(0) + ": " + std::strerror(code));
+    const std::vector<char*> argumentPointers = pointersOf(argumentTexts);
+    const std::vector<char*> environmentPointers = pointersOf(environmentTexts);
+    const std::string output = standardOutputFile();
+    const std::string error = standardErrorFile();
+    const pid_t parent = ::getpid();
+    pid_ = ::fork();
+    if (pid_ == 0) {
+        become(parent, argumentPointers.data(), environmentPointers.data(), output.c_str(),
+               error.c_str());
+    }
+    if (pid_ < 0) {
+        throw std::runtime_error("cannot run " + arguments.at(0) + ": " + std::strerror(errno));
     }
     end_ = static_cast<int>(::syscall(SYS_pidfd_open, pid_, 0));
 }
