@@ -93,6 +93,14 @@ TEST_F(AutoRangesTest, ShutterLimitsAreHeldAgainstMillisecondsInDoublePrecision)
     EXPECT_THAT(cameraCalls(), IsEmpty());
 }
 
+TEST_F(AutoRangesTest, ShutterRangeIsNotRoundedToTheLimitsThatItIsHeldAgainst)
+{
+    // As a single precision number 0.1 ms lie just over 100 us.
+    absRanges[SHUTTER] = {0.1F, 30.0F};
+    EXPECT_EQ(cam_->ExPropertySetAutoRangeExpo(100.0F, 20'000.0F), -5);
+    EXPECT_EQ(cam_->ExPropertySetAutoRangeExpo(std::nextafter(100.0F, 200.0F), 20'000.0F), 0);
+}
+
 TEST_F(AutoRangesTest, LimitsBelowARangeFromZeroAreRefused)
 {
     absRanges[GAIN] = {0.0F, 24.0F};

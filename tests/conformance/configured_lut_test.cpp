@@ -121,6 +121,16 @@ TEST_F(ConfiguredLutTest, HasOneChannelForMonochromeAndThreeForColour)
     EXPECT_THAT(journal().logsWith("[w|"), IsEmpty());
 }
 
+TEST_F(ConfiguredLutTest, HasThreeChannelsForColourWhateverTheCameraTells)
+{
+    proc_->isColor = true;
+    apply();
+    EXPECT_THAT(journal().logs(), Contains(HasSubstr("chans 1")));
+    EXPECT_THAT(cam_->luts, ElementsAre(Field(&kxtest::LutWrite::channel, 0U),
+                                        Field(&kxtest::LutWrite::channel, 1U)));
+    EXPECT_THAT(journal().logsWith("can't do SetLUTChannel: error - "), SizeIs(1));
+}
+
 TEST_F(ConfiguredLutTest, IsScaledByItsBits)
 {
     host().config.lutBits = 12;

@@ -442,6 +442,20 @@ TEST_F(LutPassTest, StartsAgainWithTheNewConfigurationWhenThatEndsTheLoop)
     EXPECT_EQ(proc_->dynLutMode, 0U);
 }
 
+TEST_F(LutPassTest, StartsFromScratchAlsoWhereTheCameraCannotBeConfigured)
+{
+    proc_->dynLutState = 1;
+    proc_->dynLutMode = 6;
+    proc_->pendingSig = 3;
+    proc_->frameCounter = 7;
+    failCalls("GetFormat7Info");
+    EXPECT_EQ(grabOnce(4, {}), -2);
+    EXPECT_EQ(proc_->dynLutState, 0U);
+    EXPECT_EQ(proc_->dynLutMode, 0U);
+    EXPECT_EQ(proc_->pendingSig, 0U);
+    EXPECT_EQ(proc_->frameCounter, 0U);
+}
+
 TEST_F(LutPassTest, StartsAndEndsASessionWithoutArrays)
 {
     proc_->dynLutState = 5;
