@@ -39,6 +39,9 @@ std::string busWithFault(const std::string& keys, bool paced)
 {
     TestSensor sensor;
     sensor.paced = paced;
+    if (paced) {
+        sensor.frameRate = 30; // slow enough that no frame before the fault is missed
+    }
     return busWith(sensor, "[[camera.fault]]\n" + keys);
 }
 
@@ -62,6 +65,9 @@ std::unique_ptr<Process> GrabSession::start()
     all.insert(all.end(), arguments.begin(), arguments.end());
     if (filesMayGrowTo > 0) {
         all.insert(all.begin(), {"/usr/bin/prlimit", "--fsize=" + std::to_string(filesMayGrowTo)});
+    }
+    if (endsWithTest) {
+        all.insert(all.begin(), {"/usr/bin/setpriv", "--pdeathsig=KILL"});
     }
     return std::make_unique<Process>(all);
 }

@@ -47,6 +47,8 @@ public:
     std::string configuration;
     /// Keys set over those of the file, "section.key=value".
     std::vector<std::string> settings = {"grab.frames=5"};
+    /// kxhost does not outlive a test that is killed: an endless grab would fill the disk.
+    bool endsWithTest = false;
     /// Neither progress nor summary.
     bool quiet = true;
     /// Further arguments.

@@ -26,6 +26,7 @@ std::string endOf(const std::string& log)
 std::unique_ptr<Process> startEndless(GrabSession& session)
 {
     session.set("grab.frames=0");
+    session.endsWithTest = true;
     return session.start();
 }
 
