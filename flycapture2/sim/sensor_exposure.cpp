@@ -10,7 +10,7 @@ namespace {
 
 constexpr double kFullScale = 65535;
 
-Level converted(float level, const Exposure& exposure)
+Level converted(float level, const ExposureChain& exposure)
 {
     const float limited = std::min(std::max(level, 0.0F), exposure.ceiling);
     return static_cast<Level>(static_cast<unsigned>(static_cast<int>(limited)) & exposure.kept);
@@ -18,8 +18,8 @@ Level converted(float level, const Exposure& exposure)
 
 } // namespace
 
-Exposure makeExposure(const SceneSettings& scene, const SensorSettings& sensor,
-                      const SensorState& state)
+ExposureChain makeExposureChain(const SceneSettings& scene, const SensorSettings& sensor,
+                                const SensorState& state)
 {
     const double signal =
         scene.brightness * static_cast<double>(state.shutterUs) / scene.referenceExposureUs;
@@ -28,7 +28,7 @@ Exposure makeExposure(const SceneSettings& scene, const SensorSettings& sensor,
     const double levelsPerElectron = kFullScale / sensor.fullWell * gain;
     const double readNoise = sensor.readNoise * levelsPerElectron;
 
-    Exposure exposure;
+    ExposureChain exposure;
     exposure.slope = static_cast<float>(signal * gain);
     exposure.offset = static_cast<float>(black);
     exposure.slopeVariance = static_cast<float>(signal * gain * levelsPerElectron);
@@ -38,10 +38,11 @@ Exposure makeExposure(const SceneSettings& scene, const SensorSettings& sensor,
     return exposure;
 }
 
-void exposeRow(const Level* light, unsigned width, const Exposure& exposure, const float* deviates,
-               Level* out)
+void exposeRow(const Level* light, unsigned width, const ExposureChain& exposure,
+               const float* deviates, Level* out)
 {
-    const Exposure chain = exposure; // cannot be changed through `out`, as the compiler then knows
+    const ExposureChain chain =
+        exposure; // cannot be changed through `out`, as the compiler then knows
     if (deviates == nullptr) {
         for (unsigned x = 0; x < width; ++x) {
             const auto lit = static_cast<float>(light[x]);

@@ -15,7 +15,7 @@
 namespace fcsim {
 
 /// The chain above as coefficients, limits drawn together.
-struct Exposure {
+struct ExposureChain {
     float slope = 1;          ///< levels per level of light
     float offset = 0;         ///< black level
     float slopeVariance = 0;  ///< of the noise, per level of light
@@ -24,13 +24,13 @@ struct Exposure {
     unsigned kept = 0xFFFF;   ///< bits of the level that the converter has
 };
 
-Exposure makeExposure(const SceneSettings& scene, const SensorSettings& sensor,
-                      const SensorState& state);
+ExposureChain makeExposureChain(const SceneSettings& scene, const SensorSettings& sensor,
+                                const SensorState& state);
 
 /// Exposes `width` pixels. `deviates` (mean 0, variance 1) make the noise; null leaves it out.
 /// `out` may be `light`.
-void exposeRow(const Level* light, unsigned width, const Exposure& exposure, const float* deviates,
-               Level* out);
+void exposeRow(const Level* light, unsigned width, const ExposureChain& exposure,
+               const float* deviates, Level* out);
 
 } // namespace fcsim
 

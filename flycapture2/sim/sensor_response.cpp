@@ -19,7 +19,7 @@ void SensorResponse::begin(const FrameRequest& request)
     const SensorState& state = request.state;
     raw_ = isRawFormat(request.format);
     coloured_ = findPixelCodec(request.format)->space != Space::grey;
-    exposure_ = makeExposure(scene_, sensor_, state);
+    exposure_ = makeExposureChain(scene_, sensor_, state);
     noise_ = FrameNoise(sensor_.noiseSeed, request.number);
     balance_ = balanceOf(state);
     turn_ = colourTurnOf(state);

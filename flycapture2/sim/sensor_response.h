@@ -45,7 +45,7 @@ private:
     // The frame.
     bool raw_ = false;
     bool coloured_ = false; ///< the format has colour
-    Exposure exposure_;
+    ExposureChain exposure_;
     FrameNoise noise_{0, 0};
     std::array<float, 3> balance_{1, 1, 1};
     ColourTurn turn_;

@@ -19,7 +19,7 @@ Level exposed(Level light, const SensorState& state, const SceneSettings& scene 
               float deviate = 0, const SensorSettings& sensor = {})
 {
     Level level = 0;
-    fcsim::exposeRow(&light, 1, fcsim::makeExposure(scene, sensor, state), &deviate, &level);
+    fcsim::exposeRow(&light, 1, fcsim::makeExposureChain(scene, sensor, state), &deviate, &level);
     return level;
 }
 
@@ -165,7 +165,7 @@ TEST(SensorExposure, WithoutDeviatesThereIsNoNoise)
 {
     const std::array<Level, 3> light = {0x1000, 0x2000, 0x3000};
     std::array<Level, 3> levels{};
-    fcsim::exposeRow(light.data(), 3, fcsim::makeExposure({}, {}, {}), nullptr, levels.data());
+    fcsim::exposeRow(light.data(), 3, fcsim::makeExposureChain({}, {}, {}), nullptr, levels.data());
     EXPECT_EQ(levels, light);
 }
 
