@@ -19,7 +19,7 @@ struct GivenKey {
 
 struct Configuration {
     Settings settings;
-    std::vector<GivenKey> given;    ///< each key and index once
+    std::vector<GivenKey> given; ///< each key and index once
 };
 
 /// Every problem of a configuration, one line of text each; empty = none.
