@@ -352,7 +352,7 @@ TEST_F(SimAuto, EachFrameHasTheSettingsThatItReports)
     set(SHUTTER, 0.1F);
     makeAutomatic(SHUTTER);
     start();
-    fcsim::advanceClock(12 * 40'000); // all of them wait in buffers
+    fcsim::advanceClock(480'000); // all of them wait in buffers
     const std::vector<fcsim::FrameTruth> late = grab(12);
     for (std::size_t k = 0; k < live.size(); ++k) {
         EXPECT_EQ(late[k].number, k);

@@ -2,6 +2,7 @@
 #include "sim_fixture.h"
 
 #include <algorithm>
+#include <cmath>
 #include <utility>
 #include <vector>
 
@@ -53,7 +54,10 @@ protected:
         EXPECT_EQ(truth.size(), 1U);
         return truth.empty() ? fcsim::FrameTruth{} : truth.front();
     }
-    static unsigned rawGain(double db) { return static_cast<unsigned>(db / 24 * 1023 + 0.5); }
+    static unsigned rawGain(double db)
+    {
+        return static_cast<unsigned>(std::lround(db / 24 * 1023));
+    }
 
     Image image;
 };
