@@ -68,13 +68,14 @@ std::map<std::string, std::string> documented()
             const std::size_t from = line.find_first_not_of("# `[");
             section = line.substr(from, line.find_first_of("]`", from) - from);
         } else if (line.starts_with("| `")) {
-            const std::string name = line.substr(3, line.find('`', 3) - 3);
+            std::string key = section + ".";
+            key += line.substr(3, line.find('`', 3) - 3);
             std::size_t column = 0;
             for (int skipped = 0; skipped < 3; ++skipped) {
                 column = line.find(" | ", column + 1);
             }
             const std::size_t from = column == std::string::npos ? line.size() : column + 3;
-            words[section + "." + name] = line.substr(from, line.find(' ', from) - from);
+            words[key] = line.substr(from, line.find(' ', from) - from);
         }
     }
     return words;
