@@ -56,7 +56,10 @@ void writeIfAsked(T* output, T value)
 
 } // namespace
 
-CExCam::CExCam() : propNames(_S_PropertyEntries) {}
+CExCam::CExCam() : propNames(_S_PropertyEntries)
+{
+    gpioCtrlShadow.fill(0xFFFFFFFF);
+}
 
 CExCam::~CExCam() = default;
 

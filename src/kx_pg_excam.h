@@ -4,6 +4,7 @@
 #define KX_PG_EXCAM_H
 
 #include "kx_export.h"
+#include "kx_gpio.h"
 
 #include <FlyCapture2.h>
 
@@ -85,6 +86,41 @@ public:
     /// The Bayer tile as four letters, first letter in the highest byte; 0 when it cannot be read.
     KX_API unsigned int ExGetBayerFormat();
 
+    // ---- The pins. They belong to the control thread, none of them retries, and they report a
+    // failure by what they return and at most one message. What the SDK says of a register access
+    // is not looked at: a pin is there when its register says so.
+
+    /// Mode that the pin is in (0 to 15; 1 = output), 255 when the pin is not there.
+    KX_API unsigned int ExGetLineMode(pg_pins pin);
+    /// Sets the pin's mode, and for an output its level. 0, -1 the pin is not there, or -2 not a
+    /// mode from 0 to 4. What `ExSetLineBit` remembers of the pin stays as it is.
+    KX_API int ExSetLineMode(pg_pins pin, unsigned int mode, bool level);
+    /// Sets an output's level with a single register write; only the first call on a pin reads the
+    /// register. 0, or -1 the pin is not there. A refused write stays unnoticed. No message.
+    KX_API int ExSetLineBit(pg_pins pin, bool level);
+    /// Samples the pin into `level`, which may be null. 0, or -1 the pin is not there. No message.
+    KX_API int ExGetLineBit(pg_pins pin, bool* level);
+    /// Switches the pin's strobe on or off. On: with this polarity, delay and duration in
+    /// microseconds, of which 0xFFFFFFFF leaves what the camera has. 0, -1 `GetStrobeInfo` failed,
+    /// -2 `GetStrobe` failed, -3 `SetStrobe` failed.
+    KX_API int ExSetLineModeOutStrobe(pg_pins pin, bool onOff, bool polarity, unsigned int delayUs,
+                                      unsigned int durationUs);
+
+    // ---- Data on an output. The caller is blocked, and may be cancelled, until everything is on
+    // the line. Half periods count from 1000 us on, shorter ones are stretched.
+
+    /// Sends `count` periods of a square wave, though at least one transition, low or high first,
+    /// with a pause of `halfPeriodUs` after each transition. 0, or -1 as soon as a transition
+    /// cannot be written.
+    KX_API int ExSendLineMeander(pg_pins pin, unsigned int count, unsigned int halfPeriodUs,
+                                 bool startLow);
+    /// Sends the lower `bits` bits of `data` (1 to 32) in the line code of kx_pg_line_code.h, with
+    /// or without the parity symbol, on a line that rests high or low. `halfPeriodUs` is at most
+    /// 100 s. 0 the whole frame is sent, or -1: not 1 to 32 bits (nothing is sent), or a transition
+    /// could not be written (the line stays at the level it has then).
+    KX_API int ExSendLineCmdBy2bits(pg_pins pin, unsigned int data, unsigned char bits,
+                                    unsigned int halfPeriodUs, bool idleHigh, bool withParity);
+
     /// Exposure time in force, in microseconds.
     std::uint32_t expoTimeUs = 0;
     /// Data word received on a GPIO line, and its number of bits (0 = none). The grab loop exports
@@ -93,6 +129,8 @@ public:
     std::uint32_t rxBits = 0;
     /// This camera's properties, by type.
     std::array<PropertyEntry, kPropertyCount> propNames;
+    /// What `ExSetLineBit` last wrote to each pin's register; all ones = unknown.
+    std::array<std::uint32_t, kPgPinCount> gpioCtrlShadow;
 
 private:
     PropertyEntry& entryOf(FlyCapture2::PropertyType type);
