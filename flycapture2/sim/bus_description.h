@@ -5,6 +5,7 @@
 #ifndef FCSIM_BUS_DESCRIPTION_H
 #define FCSIM_BUS_DESCRIPTION_H
 
+#include "io_box_description.h"
 #include "renderer.h"
 
 #include <FlyCapture2.h>
@@ -136,6 +137,7 @@ struct CameraDescription {
     double temperatureC = 42;
     double registerUs = 30; ///< how long a call that talks to the camera takes at least
     unsigned gpioPins = 4;
+    std::vector<IoBoxDescription> ioBoxes;
     std::string detachException; ///< not empty: a detach throws this from RetrieveBuffer
     std::map<std::uint32_t, std::uint32_t> registers; ///< values at power-up
     SensorSettings sensor;

@@ -103,7 +103,6 @@ private:
         return throughGate({object(), operation, this, reach}, text, checked);
     }
     static Error nullArgument(const char* operation);
-    Error checkStrobe(const Device& device, unsigned source) const;
     template <class Size>
     Error setFormat7(const FlyCapture2::Format7ImageSettings* settings, Size size);
 };

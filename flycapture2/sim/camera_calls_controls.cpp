@@ -63,29 +63,11 @@ Error CameraCalls::getCycleTime(FlyCapture2::TimeStamp* time)
     });
 }
 
-Error CameraCalls::checkStrobe(const Device& device, unsigned source) const
-{
-    if (source < device.description().gpioPins) {
-        return success();
-    }
-    return makeError(FlyCapture2::PGRERROR_STROBE_FAILED,
-                     "there is no strobe source " + std::to_string(source));
-}
-
 Error CameraCalls::getStrobeInfo(FlyCapture2::StrobeInfo* info)
 {
     const auto text = [&] { return std::to_string(info->source); };
     return camera("GetStrobeInfo", info != nullptr, text, [&](Device& device) {
-        const unsigned source = info->source;
-        *info = FlyCapture2::StrobeInfo();
-        info->source = source;
-        if (source < device.description().gpioPins) {
-            info->present = true;
-            info->onOffSupported = true;
-            info->polaritySupported = true;
-            info->readOutSupported = true;
-            info->maxValue = 64.0F;
-        }
+        *info = device.strobes().info(info->source);
         return success();
     });
 }
@@ -93,15 +75,8 @@ Error CameraCalls::getStrobeInfo(FlyCapture2::StrobeInfo* info)
 Error CameraCalls::getStrobe(FlyCapture2::StrobeControl* strobe)
 {
     const auto text = [&] { return std::to_string(strobe->source); };
-    return camera("GetStrobe", strobe != nullptr, text, [&](Device& device) {
-        Error error = checkStrobe(device, strobe->source);
-        if (error == FlyCapture2::PGRERROR_OK) {
-            const unsigned source = strobe->source;
-            *strobe = device.strobe(source);
-            strobe->source = source;
-        }
-        return error;
-    });
+    return camera("GetStrobe", strobe != nullptr, text,
+                  [&](Device& device) { return device.strobes().get(*strobe); });
 }
 
 Error CameraCalls::setStrobe(const FlyCapture2::StrobeControl* strobe)
@@ -109,13 +84,8 @@ Error CameraCalls::setStrobe(const FlyCapture2::StrobeControl* strobe)
     const auto text = [&] {
         return std::to_string(strobe->source) + (strobe->onOff ? " on" : " off");
     };
-    return camera("SetStrobe", strobe != nullptr, text, [&](Device& device) {
-        Error error = checkStrobe(device, strobe->source);
-        if (error == FlyCapture2::PGRERROR_OK) {
-            device.strobe(strobe->source) = *strobe;
-        }
-        return error;
-    });
+    return camera("SetStrobe", strobe != nullptr, text,
+                  [&](Device& device) { return device.setStrobe(*strobe); });
 }
 
 Error CameraCalls::getLutInfo(FlyCapture2::LUTData* data)

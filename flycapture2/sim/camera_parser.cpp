@@ -3,6 +3,7 @@
 
 #include "camera_defaults.h"
 #include "device_info.h"
+#include "io_box_parser.h"
 
 #include <algorithm>
 #include <array>
@@ -223,6 +224,20 @@ void readScene(TableReader& table, CameraDescription& camera, const std::filesys
     }
 }
 
+void readIoBoxes(TableReader& table, CameraDescription& camera)
+{
+    for (TableReader& found : table.tables("io_box")) {
+        const IoBoxDescription box = readIoBox(found, camera.gpioPins);
+        for (const IoBoxDescription& other : camera.ioBoxes) {
+            if (box.answersOn && box.answersOn == other.answersOn) {
+                found.fail("answers_on", "another box answers on pin " +
+                                             std::to_string(*box.answersOn) + " already");
+            }
+        }
+        camera.ioBoxes.push_back(box);
+    }
+}
+
 FrameFault readFault(TableReader& table)
 {
     FrameFault fault;
@@ -273,6 +288,7 @@ CameraDescription readCamera(TableReader& table, const std::filesystem::path& fo
     completeDescription(camera);
     checkFormat7(table, camera);
     section(table, "scene", [&](TableReader& found) { readScene(found, camera, folder); });
+    readIoBoxes(table, camera);
     for (TableReader& found : table.tables("fault")) {
         camera.faults.push_back(readFault(found));
     }

@@ -82,6 +82,7 @@ void Capture::begin()
                  ? std::make_shared<FrameSlots>(user_.memory, user_.size, user_.count)
                  : std::make_shared<FrameSlots>(device_.format7().frameSize(), config_.numBuffers);
     truth_.prepare();
+    pulses_.prepare();
     held_.clear();
     held_.reserve(slots_->count());
     next_ = 0;

@@ -8,8 +8,9 @@
 #include "bus_description.h"
 #include "frame_schedule.h"
 #include "frame_slots.h"
+#include "newest_ring.h"
 #include "renderer.h"
-#include "truth_log.h"
+#include "sim_control.h"
 
 #include <FlyCapture2.h>
 
@@ -61,7 +62,8 @@ public:
 
     const LossCounters& losses() const { return losses_; }
     void resetLosses() { losses_ = LossCounters(); }
-    TruthLog& truth() { return truth_; }
+    std::vector<FrameTruth> takeTruth() { return truth_.take(); }
+    std::vector<StrobePulse> takeStrobePulses() { return pulses_.take(); }
 
 private:
     using Lock = std::unique_lock<std::mutex>;
@@ -85,6 +87,7 @@ private:
     FrameRequest requestFor(std::uint64_t number, const SensorState& state) const;
     bool paced() const;
     bool admit(std::uint64_t number);
+    void strobe(std::uint64_t number);
     void hold(std::uint64_t number);
     const FrameFault* faultOf(std::uint64_t number, FrameFaultKind kind) const;
     FlyCapture2::Error timedOut(Lock& lock, double deadlineUs);
@@ -113,7 +116,8 @@ private:
     std::vector<ScheduledFrame> held_; ///< arrived and not fetched, oldest first
     bool stalled_ = false;
     LossCounters losses_;
-    TruthLog truth_;
+    NewestRing<FrameTruth, 65536> truth_;
+    NewestRing<StrobePulse, 16384> pulses_;
 };
 
 } // namespace fcsim

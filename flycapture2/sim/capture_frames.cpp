@@ -1,6 +1,7 @@
 // Capture on one camera: which frames arrive, and what the automatic functions make of them.
 #include "capture.h"
 #include "device.h"
+#include "sim_clock.h"
 
 #include <algorithm>
 #include <limits>
@@ -98,8 +99,24 @@ const FrameFault* Capture::faultOf(std::uint64_t number, FrameFaultKind kind) co
     return nullptr;
 }
 
+void Capture::strobe(std::uint64_t number)
+{
+    const FrameSettings& settings = schedule_.settings(number);
+    const double exposureStartUs = schedule_.times(number).startUs;
+    for (unsigned pin = 0; pin < settings.strobes.size(); ++pin) {
+        const StrobeSetting& strobe = settings.strobes[pin];
+        if (strobe.on) {
+            const StrobeSpan span = strobeSpan(strobe, settings.exposureUs);
+            pulses_.add({number, pin, wallTime(exposureStartUs),
+                         wallTime(exposureStartUs + span.startUs),
+                         wallTime(exposureStartUs + span.endUs), strobe.activeHigh});
+        }
+    }
+}
+
 bool Capture::admit(std::uint64_t number)
 {
+    strobe(number);
     if (const FrameFault* fault = faultOf(number, FrameFaultKind::clockStep)) {
         device_.stepClock(fault->amount);
     }

@@ -3,6 +3,7 @@
 #include "device.h"
 #include "sdk_error.h"
 #include "sim_clock.h"
+#include "sim_control.h"
 #include "write_alias.h"
 
 #include <chrono>
@@ -14,15 +15,6 @@
 namespace fcsim {
 
 using FlyCapture2::Error;
-
-namespace {
-
-std::uint64_t wallTime(double hostUs)
-{
-    return clockEpochUs() + static_cast<std::uint64_t>(std::llround(hostUs));
-}
-
-} // namespace
 
 Error Capture::ready() const
 {
@@ -49,6 +41,7 @@ Error Capture::retrieve(FlyCapture2::Image& image)
     if (error != FlyCapture2::PGRERROR_OK) {
         return error;
     }
+    device_.gpio().catchUp(nowUs()); // so that a box's text log follows soon
     const double now = Device::hostTime();
     const double deadlineUs = deadline(now);
     std::optional<ScheduledFrame> frame;

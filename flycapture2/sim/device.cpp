@@ -51,7 +51,8 @@ Device::Device(const CameraDescription& description, unsigned index)
       powered_(description.power.behaviour == PowerUp::on), properties_(description.properties),
       automatic_(properties_, registers_), format7_(description.format7), lut_(description.lut),
       embedded_(makeEmbeddedInfo(description)), stream_(makeStreamChannel(description)),
-      strobes_(description.gpioPins), capture_(*this)
+      strobes_(description.gpioPins), gpio_(description.gpioPins, description.ioBoxes),
+      capture_(*this)
 {
     definePowerUpRegisters();
     retime();
@@ -61,11 +62,12 @@ void Device::definePowerUpRegisters()
 {
     registers_.preset(registers::kBayerTile, tileLetters(description_.sensor.tile));
     automatic_.defineLimits();
-    for (unsigned pin = 0; pin < description_.gpioPins; ++pin) {
-        registers_.define(registers::kGpioControl + 16 * pin, kPresenceBit);
-    }
     for (const auto& [address, value] : description_.registers) {
-        registers_.preset(address, value);
+        if (const std::optional<unsigned> pin = gpio_.pinAt(address)) {
+            gpio_.preset(*pin, value);
+        } else {
+            registers_.preset(address, value);
+        }
     }
 }
 
@@ -92,6 +94,7 @@ bool Device::claim(const void* owner)
 
 void Device::release()
 {
+    gpio_.catchUp(nowUs());
     capture_.disconnect();
     owner_.store(nullptr, std::memory_order_release);
 }
@@ -136,7 +139,7 @@ Error Device::readRegister(std::uint32_t address, std::uint32_t& value)
     return success();
 }
 
-std::uint32_t Device::peekRegister(std::uint32_t address) const
+std::uint32_t Device::peekRegister(std::uint32_t address)
 {
     if (!registers_.pinned(address)) {
         if (address == registers::kCycleTime) {
@@ -144,6 +147,9 @@ std::uint32_t Device::peekRegister(std::uint32_t address) const
         }
         if (address == registers::kPower) {
             return powered_ ? kPresenceBit : 0;
+        }
+        if (const std::optional<unsigned> pin = gpio_.pinAt(address)) {
+            return gpio_.read(*pin, nowUs());
         }
     }
     return registers_.value(address);
@@ -158,8 +164,21 @@ Error Device::writeRegister(std::uint32_t address, std::uint32_t value)
     if (address == registers::kPower) {
         writePower(value);
     }
-    registers_.write(address, value);
+    if (const std::optional<unsigned> pin = gpio_.pinAt(address)) {
+        writePin(*pin, value);
+    } else {
+        registers_.write(address, value);
+    }
     return success();
+}
+
+void Device::writePin(unsigned pin, std::uint32_t value)
+{
+    const bool strobed = gpio_.inMode(pin, PinMode::strobe);
+    gpio_.write(pin, value, nowUs());
+    if (strobed != gpio_.inMode(pin, PinMode::strobe)) {
+        capture_.settingsChanged();
+    }
 }
 
 void Device::writePower(std::uint32_t value)

@@ -7,6 +7,8 @@
 #include "camera_clock.h"
 #include "capture.h"
 #include "format7_unit.h"
+#include "gpio_bank.h"
+#include "gpio_strobe.h"
 #include "lut_store.h"
 #include "property_bank.h"
 #include "register_file.h"
@@ -16,7 +18,6 @@
 #include <atomic>
 #include <cstdint>
 #include <mutex>
-#include <vector>
 
 namespace fcsim {
 
@@ -59,7 +60,7 @@ public:
     FlyCapture2::Error readRegister(std::uint32_t address, std::uint32_t& value);
     FlyCapture2::Error writeRegister(std::uint32_t address, std::uint32_t value);
     /// As a read would give it, without its effects.
-    std::uint32_t peekRegister(std::uint32_t address) const;
+    std::uint32_t peekRegister(std::uint32_t address);
     void pinRegister(std::uint32_t address, std::uint32_t value) { registers_.pin(address, value); }
     bool powered() const { return powered_; }
     FlyCapture2::Error setProperty(const FlyCapture2::Property& property);
@@ -85,7 +86,10 @@ public:
     LutStore& lut() { return lut_; }
     const FlyCapture2::EmbeddedImageInfo& embedded() const { return embedded_; }
     FlyCapture2::GigEStreamChannel& streamChannel() { return stream_; }
-    FlyCapture2::StrobeControl& strobe(unsigned pin) { return strobes_[pin]; }
+    const StrobeUnit& strobes() const { return strobes_; }
+    /// A strobe that is switched on takes its pin.
+    FlyCapture2::Error setStrobe(const FlyCapture2::StrobeControl& control);
+    GpioBank& gpio() { return gpio_; }
 
 private:
     /// Most frames a second that region and bus allow.
@@ -97,6 +101,8 @@ private:
     void retime();
     FlyCapture2::Error countPowerRead();
     void writePower(std::uint32_t value);
+    void writePin(unsigned pin, std::uint32_t value);
+    StrobeSettings strobesInForce() const;
     void definePowerUpRegisters();
     /// What was set is lost, but for the registers.
     void powerUp();
@@ -119,7 +125,8 @@ private:
     LutStore lut_;
     FlyCapture2::EmbeddedImageInfo embedded_;
     FlyCapture2::GigEStreamChannel stream_;
-    std::vector<FlyCapture2::StrobeControl> strobes_; ///< by pin
+    StrobeUnit strobes_;
+    GpioBank gpio_;
     Capture capture_;
 };
 

@@ -119,6 +119,29 @@ FrameSettings Device::frameSettings() const
     settings.shutterRaw = properties_.value(SHUTTER).valueA;
     settings.gainRaw = properties_.value(FlyCapture2::GAIN).valueA;
     settings.state = sensorState();
+    settings.strobes = strobesInForce();
+    return settings;
+}
+
+Error Device::setStrobe(const FlyCapture2::StrobeControl& control)
+{
+    Error error = strobes_.set(control);
+    if (error == FlyCapture2::PGRERROR_OK) {
+        if (control.onOff) {
+            gpio_.useForStrobe(control.source);
+        }
+        capture_.settingsChanged();
+    }
+    return error;
+}
+
+StrobeSettings Device::strobesInForce() const
+{
+    StrobeSettings settings;
+    for (unsigned pin = 0; pin < description_.gpioPins; ++pin) {
+        settings[pin] = strobes_.setting(pin);
+        settings[pin].on = settings[pin].on && gpio_.inMode(pin, PinMode::strobe);
+    }
     return settings;
 }
 

@@ -100,7 +100,7 @@ FrameTimes FrameSchedule::times(std::uint64_t number) const
 
 ScheduledFrame FrameSchedule::frame(std::uint64_t number) const
 {
-    return {number, times(number), stretchOf(number).settings};
+    return {number, times(number), settings(number)};
 }
 
 } // namespace fcsim

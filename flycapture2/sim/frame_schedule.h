@@ -2,6 +2,7 @@
 #ifndef FCSIM_FRAME_SCHEDULE_H
 #define FCSIM_FRAME_SCHEDULE_H
 
+#include "gpio_strobe.h"
 #include "sensor_state.h"
 
 #include <cstdint>
@@ -17,6 +18,7 @@ struct FrameSettings {
     unsigned shutterRaw = 0;
     unsigned gainRaw = 0;
     SensorState state;
+    StrobeSettings strobes;
 };
 
 /// The life of one frame, in microseconds of the host's clock.
@@ -54,6 +56,8 @@ public:
     void forget(std::uint64_t number);
     /// Times of a frame; arrivals never overtake each other.
     FrameTimes times(std::uint64_t number) const;
+    /// What a frame is taken with; valid until the next change.
+    const FrameSettings& settings(std::uint64_t number) const { return stretchOf(number).settings; }
     /// All about a frame.
     ScheduledFrame frame(std::uint64_t number) const;
 

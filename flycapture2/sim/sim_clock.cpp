@@ -5,6 +5,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <cmath>
 #include <thread>
 
 namespace fcsim {
@@ -73,6 +74,11 @@ void passTime(std::uint64_t us)
 std::uint64_t clockEpochUs()
 {
     return epochUs.load(std::memory_order_acquire);
+}
+
+std::uint64_t wallTime(double hostUs)
+{
+    return clockEpochUs() + static_cast<std::uint64_t>(std::llround(hostUs));
 }
 
 void restartCameraClocks()

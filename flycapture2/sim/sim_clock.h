@@ -16,6 +16,8 @@ void passTime(std::uint64_t us);
 /// When the camera clocks showed their offset: the last time that a bus was loaded or the kind of
 /// clock was changed.
 std::uint64_t clockEpochUs();
+/// The simulation's time when the camera clocks' epoch is `hostUs` microseconds ago.
+std::uint64_t wallTime(double hostUs);
 /// Makes now that moment.
 void restartCameraClocks();
 

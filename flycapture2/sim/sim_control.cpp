@@ -55,7 +55,7 @@ std::vector<FrameTruth> takeTruth(unsigned serial)
         return {};
     }
     const std::lock_guard lock(device->mutex());
-    return device->capture().truth().take();
+    return device->capture().takeTruth();
 }
 
 } // namespace fcsim

@@ -89,6 +89,60 @@ struct FrameTruth {
 /// Truth of the frames delivered since the last call, oldest first; at most the newest 65536.
 FCSIM_API std::vector<FrameTruth> takeTruth(unsigned serial);
 
+// ---- GPIO pins and I/O boxes. Pins are numbered from 0; unknown ones have no effect, no entries.
+
+/// A line takes a level. Times are on the simulation's clock.
+struct LineTransition {
+    std::uint64_t atUs = 0;
+    bool level = false;
+    bool operator==(const LineTransition&) const = default;
+};
+/// How the camera has driven an output pin since the last call, oldest first; at most the newest
+/// 4096 transitions. A line begins low.
+FCSIM_API std::vector<LineTransition> takeTransitions(unsigned serial, unsigned pin);
+/// Holds the line of an input pin at `level`, or lets it follow `plan` (by rising time; low, or as
+/// the I/O box has it, until the first), instead of the I/O box that answers there.
+FCSIM_API void drivePin(unsigned serial, unsigned pin, bool level);
+FCSIM_API void drivePin(unsigned serial, unsigned pin, std::vector<LineTransition> plan);
+/// Leaves the line to the I/O box again.
+FCSIM_API void releasePin(unsigned serial, unsigned pin);
+
+enum class IoBoxVerdict {
+    good,
+    wrongParity,
+    garbled, ///< a symbol of more than four pulses, too few or too many symbols
+    stuck    ///< the line did not come back to its idle level
+};
+/// A command that an I/O box has heard, and its answer.
+struct IoBoxEntry {
+    IoBoxVerdict verdict = IoBoxVerdict::good;
+    std::uint32_t word = 0;        ///< without the parity
+    unsigned bits = 0;             ///< of the word; always even
+    std::uint64_t firstEdgeUs = 0; ///< the first pulse begins
+    std::uint64_t lastEdgeUs = 0;  ///< the last pulse ends
+    bool answered = false;         ///< the rest is only set if so
+    std::uint32_t replyWord = 0;   ///< as configured, whatever happens to it on the way
+    unsigned replyBits = 0;
+    std::uint64_t replyStartUs = 0; ///< first and last transition of the answer
+    std::uint64_t replyEndUs = 0;
+};
+/// What box `box` of a camera (counted from 0 in the order of its description) has heard since the
+/// last call, oldest first; at most the newest 1024 entries.
+FCSIM_API std::vector<IoBoxEntry> takeBoxLog(unsigned serial, unsigned box);
+
+/// What a strobe did at one frame.
+struct StrobePulse {
+    std::uint64_t frame = 0; ///< number of the frame, delivered or not; 0 based since StartCapture
+    unsigned pin = 0;
+    std::uint64_t exposureStartUs = 0;
+    std::uint64_t startUs = 0; ///< the line leaves its resting level
+    std::uint64_t endUs = 0;   ///< and comes back
+    bool activeHigh = false;   ///< level of the pulse
+};
+/// Pulses at the frames that have arrived since the last call, in the order of frames and pins; at
+/// most the newest 16384.
+FCSIM_API std::vector<StrobePulse> takeStrobePulses(unsigned serial);
+
 /// Lets the simulation write to user buffers through another mapping of the same memory: an address
 /// in [seen, seen + bytes) is written at the same distance from `writable`. For memory that the
 /// client has protected. `bytes` 0 ends it.
