@@ -59,6 +59,10 @@ void writeIfAsked(T* output, T value)
 CExCam::CExCam() : propNames(_S_PropertyEntries)
 {
     gpioCtrlShadow.fill(0xFFFFFFFF);
+    for (unsigned int pin = 0; pin < kPgPinCount; ++pin) {
+        ioPinState[pin].pinIndex = static_cast<std::uint8_t>(pin);
+        ioPinSaved[pin].pinIndex = static_cast<std::uint8_t>(pin);
+    }
 }
 
 CExCam::~CExCam() = default;

@@ -5,11 +5,15 @@
 
 #include "kx_export.h"
 #include "kx_gpio.h"
+#include "kx_pg_io_pin.h"
 
 #include <FlyCapture2.h>
 
 #include <array>
 #include <cstdint>
+#include <optional>
+
+#include <pthread.h>
 
 namespace KxPGrey {
 
@@ -121,10 +125,32 @@ public:
     KX_API int ExSendLineCmdBy2bits(pg_pins pin, unsigned int data, unsigned char bits,
                                     unsigned int halfPeriodUs, bool idleHigh, bool withParity);
 
-    /// Exposure time in force, in microseconds.
+    // ---- Lines of the I/O box. Records, exposure time and the flags that say so are shared by
+    // grab thread and control thread, through kx_pg_shared.h only.
+
+    /// The pins as they are, and each as it was before it was configured last.
+    std::array<IoPinState, kPgPinCount> ioPinState;
+    std::array<IoPinState, kPgPinCount> ioPinSaved;
+    /// Exposure time in force, in microseconds. Written by the grab thread.
     std::uint32_t expoTimeUs = 0;
-    /// Data word received on a GPIO line, and its number of bits (0 = none). The grab loop exports
-    /// and clears them.
+
+    // The control thread, as the thread that starts and stops it knows it; none when it could not
+    // be created.
+    std::optional<pthread_t> ctrlThread;
+    bool ctrlThreadStarted = false;
+    bool ctrlThreadRunning = false; ///< shared; raised and lowered by the control thread
+    bool ctrlThreadStop = false;    ///< shared; raised to end the thread, which lowers it
+
+    /// The command in flight, all ones = none. Control thread, as the next two.
+    std::uint32_t lineCmdActive = kIoNone;
+    bool lineCmdSent = false;  ///< it is on the line, only its reply may be missing
+    bool ioDataActive = false; ///< there is line data to send or to receive
+    /// Shared: raised when changed records wait for the control thread, which lowers it.
+    bool ioCfgPending = false;
+    /// The pin that takes the reply, all ones = none. Control thread.
+    std::uint32_t rxPinIndex = kIoNone;
+    /// Shared: word received on a line, and its number of bits (0 = none), which the control thread
+    /// writes first. The grab loop exports and clears them.
     std::uint32_t rxData = 0;
     std::uint32_t rxBits = 0;
     /// This camera's properties, by type.

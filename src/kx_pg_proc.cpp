@@ -3,6 +3,7 @@
 
 #include "kx_host.h"
 #include "kx_log.h"
+#include "kx_pg_cthr.h"
 
 #define KX_LOG_TAG "KX_PG_PROC"
 
@@ -97,12 +98,13 @@ int KxPgProc(KxPGreyIfaces iface, FlyCapture2::PGRGuid guid, KxPGrey::CExCam* ca
 {
     GigECamera gige;
     KxPGrey::CCamProc proc;
-    // The IoBox control thread's object joins here, last made and first destroyed.
+    KxPGrey::CCamCtrlThread control; // stops its thread before all else goes
     KX_LOG_I("KxPgProc entry: if=%u\n", static_cast<unsigned int>(iface));
     if (iface == kKxPGreyGigE && !KxPGrey::tuneGigE(gige, guid, *cam)) {
         KX_LOG_E("Can't connect to camera\n");
         return -1;
     }
+    control.CtrlThreadStart(cam);
     const int result = proc.ProcOnce(cam, info, &kxBufFactory);
     KX_LOG_I("scenario is completed (rc = %i)\n", result);
     return result;

@@ -157,6 +157,9 @@ public:
     KX_API void ProcParametrizeCamManExpo(CExCam* cam);
     /// Gamma; a gamma of 1 switches the camera's off.
     KX_API void ProcParametrizeCamGamma(CExCam* cam);
+    /// Lines of the I/O box, the first three that are configured: into the records of their pins,
+    /// from where the control thread applies them. Does nothing while it has not done so yet.
+    KX_API void ProcParametrizeCamOutLines(CExCam* cam);
 
     // ---- Frame memory and conversion.
 
@@ -236,7 +239,9 @@ public:
     std::int32_t exposureUs = 0;
     std::uint64_t camTimeUs = 0;
     std::uint32_t frameCounter = 0;
-    FrameClock frameClock; ///< its `frameTs` is published
+    FrameClock frameClock;    ///< its `frameTs` is published
+    std::uint32_t rxData = 0; ///< word received on a line
+    std::uint32_t rxBits = 0; ///< its bits
 
     // ---- Signals and the dynamic look-up table.
 

@@ -3,6 +3,7 @@
 #include "kx_log.h"
 #include "kx_pg_number.h"
 #include "kx_pg_proc.h"
+#include "kx_pg_shared.h"
 
 #include <optional>
 
@@ -189,7 +190,7 @@ void CCamProc::ProcParametrizeCamManExpo(CExCam* cam)
     KX_LOG_I("ExpoTime settings handler entry val: expt %f\n", wide(asked));
     if (apply(kExposure, *this, *cam, asked)) {
         const float newUs = cam->ExPropertyGetAbs(FlyCapture2::SHUTTER) * kExposure.scale;
-        cam->expoTimeUs = truncateToU32(wide(newUs));
+        shared::set(cam->expoTimeUs, truncateToU32(wide(newUs)));
         KX_LOG_I("  new ExpoTime val is %f (%u)us\n", wide(newUs), cam->expoTimeUs);
     }
 }

@@ -4,6 +4,7 @@
 #include "kx_pg_cycle_time.h"
 #include "kx_pg_number.h"
 #include "kx_pg_proc.h"
+#include "kx_pg_shared.h"
 #include "kx_scenario.h"
 
 #include <array>
@@ -145,7 +146,7 @@ std::uint64_t CCamProc::ProcFrameChunks(CExCam* cam, FlyCapture2::Image* image)
     curGainDb = cam->ExPropertyGetAbs(FlyCapture2::GAIN);
     KxSc__SetParamVal(kKxScGainDb, &curGainDb);
     curExpoUs = cam->ExPropertyGetAbs(FlyCapture2::SHUTTER) * 1000.0F;
-    cam->expoTimeUs = truncateToU32(static_cast<double>(curExpoUs));
+    shared::set(cam->expoTimeUs, truncateToU32(static_cast<double>(curExpoUs)));
     exposureUs = truncateToI32(static_cast<double>(curExpoUs));
     KxSc__SetParamVal(kKxScExposureUs, &curExpoUs);
 

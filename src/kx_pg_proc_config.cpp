@@ -5,6 +5,7 @@
 #include "kx_pg_number.h"
 #include "kx_pg_proc.h"
 #include "kx_pg_proc_print.h"
+#include "kx_pg_shared.h"
 #include "kx_pg_sizes.h"
 #include "kx_scenario.h"
 
@@ -179,7 +180,7 @@ void readPhotometry(CCamProc& proc, CExCam& cam)
 {
     proc.curGainDb = cam.ExPropertyGetAbs(FlyCapture2::GAIN);
     proc.curExpoUs = cam.ExPropertyGetAbs(FlyCapture2::SHUTTER) * 1000.0F;
-    cam.expoTimeUs = truncateToU32(static_cast<double>(proc.curExpoUs));
+    shared::set(cam.expoTimeUs, truncateToU32(static_cast<double>(proc.curExpoUs)));
     proc.gainModeApplied = 0;
     proc.expoModeApplied = 0;
     proc.swRotate = false;

@@ -5,6 +5,7 @@
 #include "kx_log.h"
 #include "kx_pg_proc.h"
 #include "kx_pg_profile_ring.h"
+#include "kx_pg_shared.h"
 #include "kx_pg_sizes.h"
 #include "kx_pg_temperature.h"
 #include "kx_scenario.h"
@@ -120,6 +121,8 @@ private:
     void reportNewTiming(const FrameClock::Arrival& arrival, const FrameTimes& frame) const;
     int store(Image& image);
     void publish(int stored);
+    bool takeReceived();
+    void clearReceived();
     void watchPace(const FrameTiming& timing, const FrameTimes& frame);
     void predict(const FrameTiming& timing, const FrameTimes& frame);
     void announceNext(const FrameTiming& timing) const;
@@ -374,16 +377,37 @@ void GrabLoop::publish(int stored)
     if (stored != 0) {
         return;
     }
-    if (cam_.rxBits != 0) {
-        KxSc__SetParamVal(kKxScRxData, &cam_.rxData);
-        KxSc__SetParamVal(kKxScRxBits, &cam_.rxBits);
+    const bool received = takeReceived();
+    if (received) {
+        KxSc__SetParamVal(kKxScRxData, &proc_.rxData);
+        KxSc__SetParamVal(kKxScRxBits, &proc_.rxBits);
     }
     KxSc__ProcExport(clock_.frameTs);
-    if (cam_.rxBits != 0) {
-        cam_.rxData = 0;
-        cam_.rxBits = 0;
-        KxSc__SetParamVal(kKxScRxBits, &cam_.rxBits);
+    if (received) {
+        clearReceived();
+        KxSc__SetParamVal(kKxScRxBits, &proc_.rxBits);
     }
+}
+
+/// Copies the word that the control thread received, since a published value must not change under
+/// the host. Returns whether there is one.
+bool GrabLoop::takeReceived()
+{
+    const std::uint32_t bits = shared::look(cam_.rxBits);
+    if (bits == 0) {
+        return false;
+    }
+    proc_.rxBits = bits;
+    proc_.rxData = shared::get(cam_.rxData);
+    return true;
+}
+
+void GrabLoop::clearReceived()
+{
+    shared::set(cam_.rxData, 0);
+    shared::handOver(cam_.rxBits, 0);
+    proc_.rxData = 0;
+    proc_.rxBits = 0;
 }
 
 void GrabLoop::watchPace(const FrameTiming& timing, const FrameTimes& frame)

@@ -51,7 +51,7 @@ void applyLive(CCamProc& proc, CExCam& cam, bool dynamic)
         proc.ProcParametrizeCamManLUT(&cam, false);
     }
     proc.ProcParametrizeCamGamma(&cam);
-    // The output lines join here.
+    proc.ProcParametrizeCamOutLines(&cam);
 }
 
 /// The camera's rate, as it is after all parameters are applied.

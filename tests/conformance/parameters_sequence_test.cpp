@@ -82,7 +82,8 @@ TEST_F(ParametersSequenceTest, FullPassOfMonochromePictures)
     ASSERT_THAT(begun, Not(IsEmpty()));
     EXPECT_THAT(journal().logs(), Contains(info(kRegion)));
     begun.erase(begun.begin());
-    EXPECT_THAT(begun, ElementsAre("Fps", "Rotate", "AutoFunc", "Gain", "ExpoTime", "Gamma"));
+    EXPECT_THAT(begun,
+                ElementsAre("Fps", "Rotate", "AutoFunc", "Gain", "ExpoTime", "Gamma", "IoBox"));
 }
 
 TEST_F(ParametersSequenceTest, FullPassOfColourPictures)
@@ -93,22 +94,23 @@ TEST_F(ParametersSequenceTest, FullPassOfColourPictures)
     ASSERT_THAT(begun, Not(IsEmpty()));
     begun.erase(begun.begin());
     EXPECT_THAT(begun, ElementsAre("Fps", "Rotate", "Saturation", "WhiteBalance", "AutoFunc params",
-                                   "AutoFunc", "ExpoTime", "Gamma"));
+                                   "AutoFunc", "ExpoTime", "Gamma", "IoBox"));
 }
 
 TEST_F(ParametersSequenceTest, LivePass)
 {
     sweep(1, 1, 1);
-    EXPECT_THAT(appliersOf(kLive), ElementsAre("AutoFunc", "Gain", "ExpoTime", "Gamma"));
+    EXPECT_THAT(appliersOf(kLive), ElementsAre("AutoFunc", "Gain", "ExpoTime", "Gamma", "IoBox"));
     proc_->isColor = true;
     sweep(0, 1, 2);
     EXPECT_THAT(appliersOf(kLive),
-                ElementsAre("Saturation", "WhiteBalance", "AutoFunc", "Gain", "Gamma"));
+                ElementsAre("Saturation", "WhiteBalance", "AutoFunc", "Gain", "Gamma", "IoBox"));
     sweep(0, 2, 1);
-    EXPECT_THAT(appliersOf(kLive),
-                ElementsAre("Saturation", "WhiteBalance", "AutoFunc", "ExpoTime", "Gamma"));
+    EXPECT_THAT(appliersOf(kLive), ElementsAre("Saturation", "WhiteBalance", "AutoFunc", "ExpoTime",
+                                               "Gamma", "IoBox"));
     sweep(0, 0, 0);
-    EXPECT_THAT(appliersOf(kLive), ElementsAre("Saturation", "WhiteBalance", "AutoFunc", "Gamma"));
+    EXPECT_THAT(appliersOf(kLive),
+                ElementsAre("Saturation", "WhiteBalance", "AutoFunc", "Gamma", "IoBox"));
 }
 
 struct Modes {
@@ -164,7 +166,7 @@ TEST_F(ParametersSequenceTest, SweepModesAreAskedAfterColour)
                           "KxGiMainCtx__GetGainlimsLow()",  "KxGiMainCtx__GetGainlimsHigh()",
                           "KxGiMainCtx__GetEtlimsLow()",    "KxGiMainCtx__GetEtlimsHigh()",
                           "KxGiMainCtx__GetGainMan()",      "KxGiMainCtx__GetGamma()",
-                          "KxGiMainCtx__GetTsadjns()"}));
+                          "KxGiMainCtx__GetIoboxNum()",     "KxGiMainCtx__GetTsadjns()"}));
 }
 
 TEST_F(ParametersSequenceTest, LookUpTableComesBetweenExposureAndGamma)
@@ -280,8 +282,8 @@ TEST_F(ParametersSequenceTest, GoesOnWhenTheCameraStopsAnswering)
     failCalls("SetProperty", 1, 0);
     failCalls("WriteRegister", 0, 0);
     const auto begun = appliersOf(kFull);
-    EXPECT_EQ(begun.size(), 9U);
-    EXPECT_EQ(begun.back(), "Gamma");
+    EXPECT_EQ(begun.size(), 10U);
+    EXPECT_EQ(begun.back(), "IoBox");
     EXPECT_THAT(journal().logsWith("New Settings"), testing::SizeIs(1));
 }
 

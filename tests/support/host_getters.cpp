@@ -22,6 +22,12 @@ const char* answer(const char* name, std::optional<std::string> HostConfig::*fie
     return text ? text->c_str() : nullptr;
 }
 
+const kxtest::IoboxEntry& ioboxEntry(const char* getter, int set)
+{
+    kxtest::journal().add({kxtest::Kind::getter, getter, std::to_string(set), 0});
+    return host().config.iobox.at(static_cast<std::size_t>(set));
+}
+
 } // namespace
 
 #define KX_GETTER(TYPE, NAME, FIELD)                                                               \
@@ -71,30 +77,36 @@ const uint16_t* KxGiMainCtx__GetLutDataU16(void)
     return host().config.lut.empty() ? nullptr : host().config.lut.data();
 }
 
-// Nothing is configured behind these.
 uint32_t KxGiMainCtx__GetIoboxNum(void)
 {
-    return 0;
+    kxtest::journal().add({kxtest::Kind::getter, "KxGiMainCtx__GetIoboxNum", "", 0});
+    return static_cast<uint32_t>(host().config.iobox.size());
 }
-int32_t KxGiMainCtx__GetIoboxPin(int)
+
+int32_t KxGiMainCtx__GetIoboxPin(int set)
 {
-    return -1;
+    return ioboxEntry("KxGiMainCtx__GetIoboxPin", set).pin;
 }
-int32_t KxGiMainCtx__GetIoboxMod(int)
+int32_t KxGiMainCtx__GetIoboxMod(int set)
 {
-    return -1;
+    return ioboxEntry("KxGiMainCtx__GetIoboxMod", set).mode;
 }
-int32_t KxGiMainCtx__GetIoboxInv(int)
+int32_t KxGiMainCtx__GetIoboxInv(int set)
 {
-    return -1;
+    return ioboxEntry("KxGiMainCtx__GetIoboxInv", set).inv;
 }
-int32_t KxGiMainCtx__GetIoboxSrc(int)
+int32_t KxGiMainCtx__GetIoboxSrc(int set)
 {
-    return -1;
+    return ioboxEntry("KxGiMainCtx__GetIoboxSrc", set).src;
 }
-int32_t KxGiMainCtx__GetIoboxPar(int, int)
+
+int32_t KxGiMainCtx__GetIoboxPar(int set, int which)
 {
-    return -1;
+    kxtest::journal().add({kxtest::Kind::getter, "KxGiMainCtx__GetIoboxPar",
+                           kxtest::format("%i, %i", set, which), 0});
+    return host()
+        .config.iobox.at(static_cast<std::size_t>(set))
+        .par.at(static_cast<std::size_t>(which));
 }
 
 void KxGiMainCtx__SetFormat(int code)

@@ -17,6 +17,8 @@ PluginTest::PluginTest()
     fcsim::useManualClock(kStartUs);
     fcsim::recordCalls(true);
     takeCpuQueries();
+    setRealTime(RealTime::refused);
+    onUsleep(nullptr);
     gKxLogLevelLib = 5;
     gKxLogModeLib = kxlog::kToSyslog;
     gKxLogIdLib = 0;

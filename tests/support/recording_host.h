@@ -18,6 +18,15 @@ namespace kxtest {
 
 inline constexpr std::uint32_t kKeep = 0xFFFFFFFF;
 
+/// One line of the I/O box.
+struct IoboxEntry {
+    std::int32_t pin = 0;
+    std::int32_t mode = 0;
+    std::int32_t inv = 0;
+    std::int32_t src = 0;
+    std::array<std::int32_t, 2> par = {-1, -1};
+};
+
 /// What the configuration getters answer. The defaults keep everything as the camera has it.
 struct HostConfig {
     std::optional<std::string> model = "";
@@ -52,6 +61,7 @@ struct HostConfig {
     std::int32_t tsadjns = 0;
     std::uint16_t lutBits = 0;
     std::vector<std::uint16_t> lut; ///< empty = no table
+    std::vector<IoboxEntry> iobox;
 };
 
 /// The values that were published when a frame was exported. A parameter that was never published

@@ -101,6 +101,10 @@ Error ScriptedCamera::ReadRegister(unsigned int address, unsigned int* value)
     if (address == kClockRegister && clockRegister && error == FlyCapture2::PGRERROR_OK) {
         *value = *clockRegister;
     }
+    const auto scripted = registers.find(address);
+    if (scripted != registers.end() && error == FlyCapture2::PGRERROR_OK) {
+        *value = scripted->second;
+    }
     return error;
 }
 

@@ -54,6 +54,9 @@ public:
     std::function<void(unsigned)> onRetrieve;
     /// What the clock register reads; not set: the simulated camera's.
     std::optional<std::uint32_t> clockRegister;
+    /// What other registers read, by address; without one the simulated camera's. Changed while
+    /// nothing reads only.
+    std::map<unsigned int, std::uint32_t> registers;
     /// Time stamp of each image; not set: from the script, else the simulated camera's.
     std::optional<FlyCapture2::TimeStamp> timeStamp;
     /// Absolute values of properties.

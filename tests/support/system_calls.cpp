@@ -6,12 +6,16 @@
 #include "sim_control.h"
 
 #include <atomic>
+#include <cerrno>
 #include <cstdarg>
 #include <cstdio>
 #include <ctime>
+#include <memory>
 #include <string>
 #include <utility>
 
+#include <dlfcn.h>
+#include <pthread.h>
 #include <sched.h>
 #include <sys/time.h>
 #include <syslog.h>
@@ -25,6 +29,68 @@ namespace {
 
 std::atomic<unsigned> cpuQueries{0};
 std::function<void()> syslogHook;
+std::function<void(bool)> usleepHook;
+std::atomic<bool> grantRealTime{false};
+/// Real-time threads that have not ended yet, and whether this is one of them.
+std::atomic<int> realTimeThreads{0};
+thread_local bool isRealTime = false;
+
+using Create = int (*)(pthread_t*, const pthread_attr_t*, void* (*)(void*), void*);
+
+/// What a thread is to run.
+struct Job {
+    void* (*body)(void*);
+    void* argument;
+};
+
+/// Counts a thread until it returns or is cancelled.
+struct Counted {
+    ~Counted() { --realTimeThreads; }
+};
+
+void* runRealTime(void* job)
+{
+    const Counted counted;
+    isRealTime = true;
+    const std::unique_ptr<Job> own(static_cast<Job*>(job));
+    return own->body(own->argument);
+}
+
+bool isRealTimeRequest(const pthread_attr_t* attributes)
+{
+    int policy = SCHED_OTHER;
+    return attributes != nullptr && pthread_attr_getschedpolicy(attributes, &policy) == 0 &&
+           policy == SCHED_FIFO;
+}
+
+void recordRequest(const pthread_attr_t* attributes)
+{
+    int inherit = 0;
+    sched_param parameters = {};
+    pthread_attr_getinheritsched(attributes, &inherit);
+    pthread_attr_getschedparam(attributes, &parameters);
+    journal().add({Kind::system, "pthread_create",
+                   format("SCHED_FIFO %i, %s", parameters.sched_priority,
+                          inherit == PTHREAD_EXPLICIT_SCHED ? "explicit" : "inherited"),
+                   0});
+}
+
+int createRealTime(Create create, pthread_t* thread, const pthread_attr_t* attributes, Job job)
+{
+    recordRequest(attributes);
+    if (!grantRealTime) {
+        return EPERM;
+    }
+    ++realTimeThreads;
+    return create(thread, nullptr, runRealTime, new Job(job));
+}
+
+/// Lets the other threads go on meanwhile. May be cancelled.
+void waitForPart(useconds_t us)
+{
+    const timespec time = {0, static_cast<long>(us) * 1000 / kSleepPart};
+    nanosleep(&time, nullptr);
+}
 
 [[gnu::format(printf, 2, 0)]] void recordSyslog(int priority, const char* format, va_list arguments)
 {
@@ -47,6 +113,16 @@ std::function<void()> syslogHook;
 unsigned takeCpuQueries()
 {
     return cpuQueries.exchange(0);
+}
+
+void setRealTime(RealTime answer)
+{
+    grantRealTime = answer == RealTime::granted;
+}
+
+void onUsleep(std::function<void(bool realTime)> hook)
+{
+    usleepHook = std::move(hook);
 }
 
 void onSyslog(std::function<void()> hook)
@@ -77,6 +153,15 @@ time_t time(time_t* seconds) noexcept
 
 int usleep(useconds_t us)
 {
+    if (kxtest::usleepHook) {
+        kxtest::usleepHook(kxtest::isRealTime);
+    }
+    if (kxtest::realTimeThreads > 0) {
+        kxtest::waitForPart(us);
+    }
+    if (kxtest::isRealTime) {
+        return 0;
+    }
     kxtest::journal().add({Kind::system, "usleep", std::to_string(us), 0});
     fcsim::advanceClock(us);
     return 0;
@@ -86,6 +171,16 @@ int sched_getcpu() noexcept
 {
     ++kxtest::cpuQueries;
     return kxtest::kCpu;
+}
+
+int pthread_create(pthread_t* __restrict thread, const pthread_attr_t* __restrict attributes,
+                   void* (*body)(void*), void* __restrict argument) noexcept
+{
+    static const auto create = reinterpret_cast<kxtest::Create>(dlsym(RTLD_NEXT, "pthread_create"));
+    if (!kxtest::isRealTimeRequest(attributes)) {
+        return create(thread, attributes, body, argument);
+    }
+    return kxtest::createRealTime(create, thread, attributes, {body, argument});
 }
 
 void openlog(const char* identity, int options, int facility)

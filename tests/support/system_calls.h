@@ -1,7 +1,9 @@
 // The C library's functions that the plug-in uses, replaced by the test executable's own.
 //
 // gettimeofday and time follow the simulation's clock; usleep moves it (and is recorded); openlog
-// and syslog write into the journal; sched_getcpu answers `kCpu` and is counted.
+// and syslog write into the journal; sched_getcpu answers `kCpu` and is counted. Real-time threads
+// are not created, or as ordinary ones: then all usleep really waits, for a part of its time, and
+// that of such a thread neither moves the clock nor is recorded.
 // REQUIRES: the simulation's clock is driven by hand.
 #ifndef KX_TEST_SYSTEM_CALLS_H
 #define KX_TEST_SYSTEM_CALLS_H
@@ -15,6 +17,18 @@ inline constexpr int kCpu = 5;
 
 /// How often the processor was asked for since the last call.
 unsigned takeCpuQueries();
+
+/// Part of its time that usleep really waits for while there is a real-time thread.
+inline constexpr unsigned kSleepPart = 20;
+
+/// What becomes of real-time threads that the plug-in creates; `PluginTest` starts with `refused`.
+/// Both are recorded as "pthread_create" with the scheduling that was asked for.
+enum class RealTime { refused, granted };
+void setRealTime(RealTime answer);
+
+/// Called at the begin of each usleep, with whether it is that of a real-time thread; null =
+/// nothing. REQUIRES: there is no such thread.
+void onUsleep(std::function<void(bool realTime)> hook);
 
 /// Called before each line that goes to the system log; null = nothing.
 void onSyslog(std::function<void()> hook);
