@@ -108,6 +108,14 @@ Error ScriptedCamera::ReadRegister(unsigned int address, unsigned int* value)
     return error;
 }
 
+Error ScriptedCamera::WriteRegister(unsigned int address, unsigned int value, bool broadcast)
+{
+    if (onWriteRegister) {
+        onWriteRegister(address, value);
+    }
+    return CExCam::WriteRegister(address, value, broadcast);
+}
+
 Error ScriptedCamera::GetPropertyInfo(FlyCapture2::PropertyInfo* info)
 {
     const Error error = CExCam::GetPropertyInfo(info);

@@ -64,6 +64,8 @@ public:
     /// Called with each property that was asked for or read: changes it on its way.
     std::function<void(FlyCapture2::PropertyInfo&)> onGetPropertyInfo;
     std::function<void(FlyCapture2::Property&)> onGetProperty;
+    /// Called with each register write before it is made.
+    std::function<void(unsigned address, unsigned value)> onWriteRegister;
 
     // ---- What the camera was told.
 
@@ -79,6 +81,8 @@ public:
     FlyCapture2::Error StartCapture(FlyCapture2::ImageEventCallback callback,
                                     const void* data) override;
     FlyCapture2::Error ReadRegister(unsigned int address, unsigned int* value) override;
+    FlyCapture2::Error WriteRegister(unsigned int address, unsigned int value,
+                                     bool broadcast) override;
     FlyCapture2::Error GetPropertyInfo(FlyCapture2::PropertyInfo* info) override;
     FlyCapture2::Error GetProperty(FlyCapture2::Property* property) override;
     FlyCapture2::Error SetProperty(const FlyCapture2::Property* property, bool broadcast) override;

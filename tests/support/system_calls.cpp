@@ -162,6 +162,7 @@ int usleep(useconds_t us)
     if (kxtest::isRealTime) {
         return 0;
     }
+    pthread_testcancel();
     kxtest::journal().add({Kind::system, "usleep", std::to_string(us), 0});
     fcsim::advanceClock(us);
     return 0;
