@@ -4,7 +4,9 @@
 // a thread can be cancelled in it; openlog and syslog write into the journal; sched_getcpu answers
 // `kCpu` and is counted. Real-time threads are not created, or as ordinary ones: then all usleep
 // really waits, for a part of its time, and that of such a thread neither moves the clock nor is
-// recorded. REQUIRES: the simulation's clock is driven by hand.
+// recorded.
+//
+// REQUIRES: the simulation's clock is driven by hand.
 #ifndef KX_TEST_SYSTEM_CALLS_H
 #define KX_TEST_SYSTEM_CALLS_H
 
