@@ -255,8 +255,15 @@ TEST_F(StrobeTest, AllOnesKeepTheCamerasValues)
     expectStrobe(true, 1, 0.0F, 3.0F);
     EXPECT_EQ(cam_->ExSetLineModeOutStrobe(kPgPin2, true, false, kKeep, kKeep), 0);
     expectStrobe(true, 0, 0.0F, 3.0F);
-    EXPECT_EQ(cam_->ExSetLineModeOutStrobe(kPgPin2, true, false, kKeep - 1, kKeep), 0);
-    expectStrobe(true, 0, 4294967.294F, 3.0F);
+}
+
+TEST_F(StrobeTest, OneLessThanAllOnesIsATime)
+{
+    // The camera cuts it to the longest it can do; the message shows what was asked for.
+    EXPECT_EQ(cam_->ExSetLineModeOutStrobe(kPgPin2, true, true, kKeep - 1, kKeep - 1), 0);
+    EXPECT_THAT(journal().logs(),
+                ElementsAre(info("### set strobe on pin 2: onOff=1 (delay=4294967.500000, "
+                                 "duration=4294967.500000, polarity=1) ###")));
 }
 
 TEST_F(StrobeTest, IsSwitchedOffWithItsOtherValuesAsTheyAre)
