@@ -61,7 +61,6 @@ void resetState(CExCam& cam)
 {
     cam.lineCmdActive = kIoNone;
     cam.rxPinIndex = kIoNone;
-    cam.ctrlThread.reset();
     cam.ctrlThreadStarted = false;
     cam.ioDataActive = false;
     cam.ctrlThreadRunning = false;
