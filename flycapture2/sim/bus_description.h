@@ -88,13 +88,17 @@ struct PowerDescription {
 struct ClockDescription {
     double offsetUs = 1'000'000; ///< what the camera clock shows when the bus is loaded
     double driftPpm = 0;         ///< how much faster than the host's clock it runs
+    double wanderPpm = 0;        ///< how far its rate swings about that, as a sine
+    double wanderSeconds = 300;  ///< period of that swing on the host's clock
     unsigned wrapSeconds = 128;  ///< 1 to 128
 };
 
 struct DeliveryDescription {
     double latencyUs = 200; ///< from the end of the transfer to the frame being complete in memory
     double jitterUs = 0;    ///< up to this much is added to it, evenly distributed
-    std::uint64_t seed = 1; ///< of the jitter
+    double spikeShare = 0;  ///< share of the frames, 0 to 1, that are late by `spikeUs` more
+    double spikeUs = 0;     ///< how late those are
+    std::uint64_t seed = 1; ///< of jitter and spikes
     double bandwidth = 0;   ///< bytes a second at the largest packet size; 0: by interface
     bool paced = true;      ///< false: each retrieval delivers the next frame at once
 };

@@ -2,11 +2,13 @@
 #include "camera_clock.h"
 
 #include <cmath>
+#include <numbers>
 
 namespace fcsim {
 
 namespace {
 
+constexpr double kUsPerSecond = 1e6;
 constexpr double kTicksPerUs = 24.576;
 constexpr std::int64_t kTicksPerCycle = 3072;
 constexpr std::int64_t kTicksPerSecond = 24'576'000;
@@ -41,13 +43,22 @@ FlyCapture2::TimeStamp timeStampOf(const CycleTime& time)
     return stamp;
 }
 
-CameraClock::CameraClock(double offsetUs, double driftPpm, unsigned wrapSeconds)
-    : offsetUs_(offsetUs), rate_(1.0 + driftPpm * 1e-6), wrapSeconds_(wrapSeconds)
+CameraClock::CameraClock(const ClockDescription& clock)
+    : offsetUs_(clock.offsetUs), rate_(1.0 + clock.driftPpm * 1e-6),
+      wander_(clock.wanderPpm * 1e-6), wanderPeriodUs_(clock.wanderSeconds * kUsPerSecond),
+      wrapSeconds_(clock.wrapSeconds)
 {}
+
+/// What the swing of the rate has come to: the integral of a sine that begins at 0 and rises.
+double CameraClock::swungUs(double hostUs) const
+{
+    const double turn = 2 * std::numbers::pi / wanderPeriodUs_;
+    return wander_ / turn * (1 - std::cos(turn * hostUs));
+}
 
 CycleTime CameraClock::at(double hostUs) const
 {
-    return cycleTimeOf(offsetUs_ + hostUs * rate_, wrapSeconds_);
+    return cycleTimeOf(offsetUs_ + hostUs * rate_ + swungUs(hostUs), wrapSeconds_);
 }
 
 } // namespace fcsim

@@ -2,6 +2,8 @@
 #ifndef FCSIM_CAMERA_CLOCK_H
 #define FCSIM_CAMERA_CLOCK_H
 
+#include "bus_description.h"
+
 #include <FlyCapture2.h>
 
 #include <cstdint>
@@ -22,21 +24,26 @@ std::uint32_t packCycleTime(const CycleTime& time);
 /// As images carry it. The fields of the PC's clock stay 0, as they do on Linux.
 FlyCapture2::TimeStamp timeStampOf(const CycleTime& time);
 
-/// Clock that starts at `offsetUs` and runs `driftPpm` faster than the host's.
+/// Clock that starts at an offset, runs faster than the host's by its drift, and whose rate swings
+/// about that.
 class CameraClock {
 public:
-    CameraClock(double offsetUs, double driftPpm, unsigned wrapSeconds);
+    explicit CameraClock(const ClockDescription& clock);
 
     /// What the clock shows when the host's clock, counted from the start, shows `hostUs`.
     CycleTime at(double hostUs) const;
     /// Jumps by `us`.
     void step(double us) { offsetUs_ += us; }
-    /// How long `cameraUs` on this clock last on the host's.
+    /// How long `cameraUs` on this clock last on the host's, without the swing.
     double toHost(double cameraUs) const { return cameraUs / rate_; }
 
 private:
+    double swungUs(double hostUs) const;
+
     double offsetUs_;
     double rate_;
+    double wander_;         ///< amplitude of the rate's swing
+    double wanderPeriodUs_; ///< on the host's clock
     unsigned wrapSeconds_;
 };
 

@@ -48,6 +48,7 @@ constexpr std::array kCameraFormats{
 constexpr std::uint64_t kMaxSize = 16384;
 constexpr std::uint64_t kMax32 = 0xFFFFFFFF;
 constexpr double kHourUs = 3.6e9;
+constexpr double kDaySeconds = 86400;
 
 /// Calls `read` with the sub-table `key` if it is there, and checks that it has no other keys.
 template <class Read>
@@ -174,11 +175,15 @@ void readTimes(TableReader& table, CameraDescription& camera)
     section(table, "clock", [&](TableReader& clock) {
         clock.number("offset_us", camera.clock.offsetUs, 0, 128e6);
         clock.number("drift_ppm", camera.clock.driftPpm, -100000, 100000);
+        clock.number("wander_ppm", camera.clock.wanderPpm, 0, 1000);
+        clock.number("wander_seconds", camera.clock.wanderSeconds, 1, kDaySeconds);
         clock.integer("wrap_seconds", camera.clock.wrapSeconds, 1, 128);
     });
     section(table, "delivery", [&](TableReader& delivery) {
         delivery.number("latency_us", camera.delivery.latencyUs, 0, kHourUs);
         delivery.number("jitter_us", camera.delivery.jitterUs, 0, kHourUs);
+        delivery.number("spike_share", camera.delivery.spikeShare, 0, 1);
+        delivery.number("spike_us", camera.delivery.spikeUs, 0, kHourUs);
         delivery.integer("seed", camera.delivery.seed, 0, INT64_MAX);
         delivery.number("bandwidth", camera.delivery.bandwidth, 1000, 1e12);
         delivery.flag("paced", camera.delivery.paced);

@@ -34,9 +34,7 @@ Error tooSmall(std::size_t size, std::size_t frameSize)
 } // namespace
 
 Capture::Capture(Device& device)
-    : device_(device), config_(defaultConfig()),
-      schedule_(device.description().delivery.latencyUs, device.description().delivery.jitterUs,
-                device.description().delivery.seed)
+    : device_(device), config_(defaultConfig()), schedule_(device.description().delivery)
 {}
 
 Error Capture::start()

@@ -47,9 +47,9 @@ std::uint32_t tileLetters(FlyCapture2::BayerTileFormat tile)
 
 Device::Device(const CameraDescription& description, unsigned index)
     : description_(description), info_(makeCameraInfo(description, index)),
-      clock_(description.clock.offsetUs, description.clock.driftPpm, description.clock.wrapSeconds),
-      powered_(description.power.behaviour == PowerUp::on), properties_(description.properties),
-      automatic_(properties_, registers_), format7_(description.format7), lut_(description.lut),
+      clock_(description.clock), powered_(description.power.behaviour == PowerUp::on),
+      properties_(description.properties), automatic_(properties_, registers_),
+      format7_(description.format7), lut_(description.lut),
       embedded_(makeEmbeddedInfo(description)), stream_(makeStreamChannel(description)),
       strobes_(description.gpioPins), gpio_(description.gpioPins, description.ioBoxes),
       capture_(*this)

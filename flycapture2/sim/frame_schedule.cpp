@@ -25,10 +25,6 @@ double random01(std::uint64_t seed, std::uint64_t number)
 
 } // namespace
 
-FrameSchedule::FrameSchedule(double latencyUs, double jitterUs, std::uint64_t seed)
-    : latencyUs_(latencyUs), jitterUs_(jitterUs), seed_(seed)
-{}
-
 void FrameSchedule::begin(double startUs, const FrameSettings& settings)
 {
     stretches_.reserve(kMostStretches);
@@ -84,6 +80,15 @@ const FrameSchedule::Stretch& FrameSchedule::stretchOf(std::uint64_t number) con
     return *stretch;
 }
 
+/// Jitter and spike of a frame. Later by more than a period, frames would overtake each other.
+double FrameSchedule::lateUs(std::uint64_t number, double periodUs) const
+{
+    const double jitterUs = std::min(delivery_.jitterUs, periodUs);
+    const bool isSpike = random01(~delivery_.seed, number) < delivery_.spikeShare;
+    return std::min(jitterUs * random01(delivery_.seed, number) + (isSpike ? delivery_.spikeUs : 0),
+                    periodUs);
+}
+
 FrameTimes FrameSchedule::times(std::uint64_t number) const
 {
     const Stretch& stretch = stretchOf(number);
@@ -92,9 +97,8 @@ FrameTimes FrameSchedule::times(std::uint64_t number) const
     times.startUs =
         stretch.startUs + static_cast<double>(number - stretch.first) * settings.periodUs;
     times.exposureEndUs = times.startUs + settings.exposureUs;
-    // More jitter than a period would let frames overtake each other.
-    const double jitter = std::min(jitterUs_, settings.periodUs) * random01(seed_, number);
-    times.arrivalUs = times.exposureEndUs + settings.transferUs + latencyUs_ + jitter;
+    times.arrivalUs = times.exposureEndUs + settings.transferUs + delivery_.latencyUs +
+                      lateUs(number, settings.periodUs);
     return times;
 }
 

@@ -2,6 +2,7 @@
 #ifndef FCSIM_FRAME_SCHEDULE_H
 #define FCSIM_FRAME_SCHEDULE_H
 
+#include "bus_description.h"
 #include "gpio_strobe.h"
 #include "sensor_state.h"
 
@@ -36,13 +37,13 @@ struct ScheduledFrame {
 };
 
 /// The frames of one capture. A free-running camera: frame k starts one period after frame k - 1,
-/// and arrives after exposure, transfer, latency and jitter. Each frame is taken with the settings
-/// that are in force when its exposure begins. Where a shorter exposure would end sooner than one
-/// period after the one before, it begins later: the sensor reads out no faster for a change, and
-/// who fetches a frame in each period loses none. Not thread-safe.
+/// and arrives after exposure, transfer, latency and jitter, a few also after a spike. Each frame
+/// is taken with the settings that are in force when its exposure begins. Where a shorter exposure
+/// would end sooner than one period after the one before, it begins later: the sensor reads out no
+/// faster for a change, and who fetches a frame in each period loses none. Not thread-safe.
 class FrameSchedule {
 public:
-    FrameSchedule(double latencyUs, double jitterUs, std::uint64_t seed);
+    explicit FrameSchedule(const DeliveryDescription& delivery) : delivery_(delivery) {}
 
     /// Frame 0 starts at `startUs`.
     void begin(double startUs, const FrameSettings& settings);
@@ -73,10 +74,9 @@ private:
 
     static void apply(Stretch& stretch, const FrameSettings& settings);
     const Stretch& stretchOf(std::uint64_t number) const;
+    double lateUs(std::uint64_t number, double periodUs) const;
 
-    double latencyUs_;
-    double jitterUs_;
-    std::uint64_t seed_;
+    DeliveryDescription delivery_;
     std::vector<Stretch> stretches_; ///< by first frame; never empty once begun
 };
 

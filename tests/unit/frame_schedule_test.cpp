@@ -1,6 +1,10 @@
 // The schedule of frames: which settings each frame has, and when it comes.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cmath>
+#include <vector>
+
 #include <frame_schedule.h>
 
 using fcsim::FrameSchedule;
@@ -23,7 +27,7 @@ protected:
     void SetUp() override { schedule.begin(5000, settingsOf(1000, 100, 1)); }
     unsigned gainOf(std::uint64_t number) const { return schedule.frame(number).settings.gainRaw; }
 
-    FrameSchedule schedule{200, 0, 1};
+    FrameSchedule schedule{fcsim::DeliveryDescription{.latencyUs = 200}};
 };
 
 TEST_F(FrameScheduleTest, AFrameIsExposedTransferredAndArrives)
@@ -117,6 +121,57 @@ TEST_F(FrameScheduleTest, TheNewestOfVeryManyChangesHold)
                          5050 + 1000.0 * static_cast<double>(number));
     }
     EXPECT_EQ(gainOf(0), 1U);
+}
+
+/// How late frames arrive, beyond exposure, transfer and latency.
+std::vector<double> lateness(const fcsim::DeliveryDescription& delivery, std::size_t frames)
+{
+    FrameSchedule schedule(delivery);
+    schedule.begin(0, settingsOf(1000, 100, 1));
+    std::vector<double> late;
+    for (std::uint64_t number = 0; number < frames; ++number) {
+        const fcsim::FrameTimes times = schedule.times(number);
+        late.push_back(times.arrivalUs - times.exposureEndUs - 30 - delivery.latencyUs);
+    }
+    return late;
+}
+
+TEST(FrameScheduleLateness, ASpikeComesOnTopOfTheJitterOfItsShareOfTheFrames)
+{
+    constexpr std::size_t kFrames = 20'000;
+    fcsim::DeliveryDescription delivery{.latencyUs = 200, .jitterUs = 50, .seed = 3};
+    const std::vector<double> without = lateness(delivery, kFrames);
+    delivery.spikeShare = 0.01;
+    delivery.spikeUs = 400;
+    const std::vector<double> with = lateness(delivery, kFrames);
+    std::size_t spikes = 0;
+    for (std::size_t i = 0; i < kFrames; ++i) {
+        const double more = with[i] - without[i];
+        ASSERT_TRUE(std::abs(more) < 1e-6 || std::abs(more - 400) < 1e-6) << more;
+        spikes += more > 200 ? 1 : 0;
+    }
+    EXPECT_NEAR(static_cast<double>(spikes), 200, 60); // four standard deviations
+    EXPECT_EQ(lateness(delivery, kFrames), with) << "the same for the same seed";
+    delivery.seed = 4;
+    EXPECT_NE(lateness(delivery, kFrames), with);
+}
+
+TEST(FrameScheduleLateness, NoFrameIsLaterThanOnePeriod)
+{
+    const std::vector<double> late =
+        lateness({.latencyUs = 200, .jitterUs = 5000, .spikeShare = 1, .spikeUs = 700}, 1000);
+    EXPECT_NEAR(*std::max_element(late.begin(), late.end()), 1000, 1e-6);
+    EXPECT_GE(*std::min_element(late.begin(), late.end()), 700 - 1e-6);
+}
+
+TEST(FrameScheduleLateness, AShareOfAllIsEachFrameAndOneOfNothingNone)
+{
+    for (const double late : lateness({.spikeShare = 1, .spikeUs = 70}, 100)) {
+        EXPECT_NEAR(late, 70, 1e-6);
+    }
+    for (const double late : lateness({.spikeShare = 0, .spikeUs = 70}, 100)) {
+        EXPECT_NEAR(late, 0, 1e-6);
+    }
 }
 
 } // namespace

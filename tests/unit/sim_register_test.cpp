@@ -1,6 +1,8 @@
 // Registers of simulated cameras: power, clock, colour filter, plain storage.
 #include "sim_fixture.h"
 
+#include <utility>
+
 using namespace FlyCapture2;
 
 namespace {
@@ -41,6 +43,30 @@ TEST_F(SimRegister, TheClockMayWrapEarlierAndDrift)
     connect("[camera.clock]\noffset_us = 0.0\nwrap_seconds = 4\ndrift_ppm = 1000.0\n");
     fcsim::advanceClock(5'000'000); // 5.005 s on the camera's clock
     EXPECT_EQ(read(0x1EA8), 1U << 25 | 40U << 12);
+}
+
+/// Microseconds of a clock register.
+double shownUs(unsigned value)
+{
+    const double ticks = value & 0xFFFU;
+    return (value >> 25U) * 1e6 + (value >> 12U & 0x1FFFU) * 125.0 + ticks / 24.576;
+}
+
+TEST_F(SimRegister, TheClockMayWanderAboutItsDrift)
+{
+    connect("[camera.clock]\noffset_us = 0.0\ndrift_ppm = 100.0\nwander_ppm = 50.0\n"
+            "wander_seconds = 40.0\n");
+    // A sine of 50 ppm over 40 s adds up to 50 x 40 / pi after half of it, and to nothing after
+    // all.
+    const double peakUs = 50 * 40 / 3.14159265;
+    constexpr double kTickUs = 1 / 24.576;
+    for (const auto& [seconds, wanderUs] :
+         {std::pair(10, peakUs / 2), std::pair(20, peakUs), std::pair(30, peakUs / 2),
+          std::pair(40, 0.0), std::pair(60, peakUs)}) {
+        fcsim::useManualClock(kStartUs);
+        fcsim::advanceClock(static_cast<std::uint64_t>(seconds) * 1'000'000);
+        EXPECT_NEAR(shownUs(read(0x1EA8)), seconds * 1e6 * 1.0001 + wanderUs, kTickUs) << seconds;
+    }
 }
 
 TEST_F(SimRegister, GetCycleTimeAgreesWithTheRegister)
