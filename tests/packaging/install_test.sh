@@ -31,7 +31,9 @@ done
 pictures=$(find "$prefix/out" -name '*.png' | wc -l)
 [ "$pictures" -eq 2 ] || fail "asked for 2 pictures, got $pictures"
 
-[ -s "$prefix/share/man/man1/kxhost.1" ] || fail "no man page"
+for page in man1/kxhost.1 man5/kxhost.toml.5 man5/flycapture2-sim.toml.5; do
+    [ -s "$prefix/share/man/$page" ] || fail "no man page $page"
+done
 for header in kx_host.h kx_scenario.h; do
     "$cxx" -std=c++20 -fsyntax-only -I "$prefix/include/driver-pointgrey" -include "$header" \
         -x c++ /dev/null || fail "$header does not compile alone"
