@@ -2,12 +2,12 @@
 #ifndef KX_IOBOX_H
 #define KX_IOBOX_H
 
-#include <stdint.h>
+#include <cstdint>
 
 /// One pin name, filled up with zeros, and the pin's id, which is also its row.
 struct KxCfgIoPin {
     char name[128];
-    uint32_t id;
+    std::uint32_t id;
 };
 
 /// All pins that an I/O box may have. Each source file that uses it has its own copy.

@@ -17,7 +17,6 @@ using kxtest::info;
 using kxtest::journal;
 using kxtest::kGpio0;
 using kxtest::kGpio1;
-using kxtest::kGpio2;
 using kxtest::Kind;
 using kxtest::kUnset;
 using kxtest::RealTime;
@@ -25,15 +24,11 @@ using kxtest::reply;
 using kxtest::setRealTime;
 using kxtest::strobe;
 using kxtest::traceLine;
-using kxtest::warning;
-using testing::AnyOf;
 using testing::Contains;
 using testing::Each;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
-using testing::MatchesRegex;
-using testing::Not;
 using testing::SizeIs;
 
 namespace {
@@ -65,7 +60,7 @@ bool isRunning(KxPGrey::CExCam& cam)
 class ControlThreadTest : public kxtest::IoTest {
 protected:
     ControlThreadTest() { gKxLogLevelLib = 3; }
-    ~ControlThreadTest() override
+    void TearDown() override
     {
         thread_.reset();
         setRealTime(RealTime::refused);

@@ -9,7 +9,6 @@ using kxtest::info;
 using kxtest::journal;
 using kxtest::kGpio0;
 using kxtest::kGpio1;
-using kxtest::kGpio2;
 using kxtest::kGpio3;
 using kxtest::Kind;
 using kxtest::kUnset;
@@ -22,7 +21,6 @@ using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
-using testing::Not;
 using testing::SizeIs;
 
 namespace {

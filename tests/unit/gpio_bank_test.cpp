@@ -42,7 +42,7 @@ protected:
             fcsim::advanceClock(transition.atUs - fcsim::nowUs());
             write(kPin0, kOutput | (transition.level ? 1U : 0U));
         }
-        fcsim::advanceClock(41 * 2000);
+        fcsim::advanceClock(82'000);
     }
 };
 
