@@ -64,7 +64,9 @@ std::unique_ptr<Process> GrabSession::start()
     }
     all.insert(all.end(), arguments.begin(), arguments.end());
     if (filesMayGrowTo > 0) {
-        all.insert(all.begin(), {"/usr/bin/prlimit", "--fsize=" + std::to_string(filesMayGrowTo)});
+        // A build that counts coverage would cut off its own files of counters.
+        all.insert(all.begin(), {"/usr/bin/env", "GCOV_PREFIX=" + folder_.file("counters"),
+                                 "/usr/bin/prlimit", "--fsize=" + std::to_string(filesMayGrowTo)});
     }
     if (endsWithTest) {
         all.insert(all.begin(), {"/usr/bin/setpriv", "--pdeathsig=KILL"});
