@@ -24,6 +24,7 @@ using kxtest::reply;
 using kxtest::setRealTime;
 using kxtest::strobe;
 using kxtest::traceLine;
+using kxtest::waitUntil;
 using testing::Contains;
 using testing::Each;
 using testing::ElementsAre;
@@ -41,16 +42,6 @@ std::string startLine()
 const std::string kEndLine = info("ctrl thread loop is done");
 const std::string kStopLine = info("Stopping grab ctrl thread...");
 const std::string kCancelLine = info("Cancelling grab ctrl thread...");
-
-/// Waits until `reached`, at most as long as the time limit of a test.
-template <typename Condition>
-void waitUntil(const Condition& reached)
-{
-    while (!reached()) {
-        const timespec moment = {0, 200'000};
-        nanosleep(&moment, nullptr);
-    }
-}
 
 bool isRunning(KxPGrey::CExCam& cam)
 {

@@ -58,6 +58,12 @@ TEST_F(IoDataTest, ACommandIsSentOnceAndThePinFreed)
     // Symbols 1 and 0, and the parity's 1: 2, 1 and 2 pulses.
     EXPECT_THAT(pinWrites(), SizeIs(2 * 5));
     EXPECT_THAT(pinWrites()[0], HasSubstr("0x1120 0x80000001"));
+    // Half periods of 2 ms, gaps of 20, an end of 41 of them.
+    const std::string half = "usleep(2000)";
+    const std::string gap = "usleep(38000)";
+    EXPECT_THAT(journal().lines({"usleep"}),
+                ElementsAre(half, half, half, half, gap, half, half, gap, half, half, half, half,
+                            gap, "usleep(42000)"));
     EXPECT_EQ(pin(1).dataWord, kUnset);
     EXPECT_EQ(pin(1).bitCount, 0);
     EXPECT_EQ(pin(1).bitCountCfg, 4);
@@ -98,12 +104,14 @@ TEST_F(IoDataTest, AStrobeReturnsAfterTheCommand)
         const std::string before = textOf(pin(1));
         configureAndApply({command(kGpio1, 2, 1)});
         EXPECT_FALSE(process());
+        EXPECT_EQ(textOf(saved(1)), before);
         journal().clear();
+        saved(1).dataWord = 5; // of a reply that the pin once took
         EXPECT_TRUE(process());
         EXPECT_THAT(journal().logs(),
                     ElementsAre(entryLine(), info(" Proc IoBox set 1: pin=1 restored strob")));
         KxPGrey::IoPinState expected = saved(1);
-        EXPECT_EQ(textOf(expected), before);
+        expected.dataWord = kUnset;
         expected.cfgDirty = 1;
         EXPECT_EQ(textOf(pin(1)), textOf(expected));
         EXPECT_EQ(pin(1).pinFree, 1);
@@ -300,6 +308,7 @@ TEST_F(IoReplyTest, AGoodReplyIsHandedOver)
     EXPECT_THAT(warnings(), IsEmpty());
     EXPECT_EQ(cam_->rxBits, 10U);
     EXPECT_EQ(cam_->rxData, 0x392U);
+    EXPECT_EQ(pin(1).dataWord, 0xE49U);
     EXPECT_FALSE(done_);
     expectOver();
 }

@@ -5,6 +5,7 @@
 #include "camera_test.h"
 #include "kx_pg_cthr.h"
 
+#include <ctime>
 #include <string>
 #include <utility>
 #include <vector>
@@ -39,6 +40,16 @@ inline IoboxEntry command(int pin, int bits, int word)
 inline IoboxEntry reply(int pin, int timeout, int gap)
 {
     return {.pin = pin, .mode = 2, .inv = 0, .src = kUserData, .par = {timeout, gap}};
+}
+
+/// Waits until `reached`, at most as long as the time limit of a test.
+template <typename Condition>
+void waitUntil(const Condition& reached)
+{
+    while (!reached()) {
+        const timespec moment = {0, 200'000};
+        nanosleep(&moment, nullptr);
+    }
 }
 
 /// All of a record, for comparison.

@@ -1,0 +1,221 @@
+// Sessions with the C library as it is: a control thread in real time, words and replies on the
+// line, stopped at every stage, and a camera that is pulled out.
+#include "journal.h"
+#include "kx_log.h"
+#include "kx_pg_cthr.h"
+#include "kx_pg_proc.h"
+#include "kx_pg_shared.h"
+#include "process_resources.h"
+#include "recording_host.h"
+#include "sim_control.h"
+#include "stdout_capture.h"
+#include "test_bus.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <ctime>
+#include <optional>
+
+using KxPGrey::CCamCtrlThread;
+using KxPGrey::CExCam;
+using kxtest::host;
+using kxtest::journal;
+using kxtest::processResources;
+using kxtest::ProcessResources;
+using kxtest::StdoutCapture;
+using testing::Contains;
+using testing::HasSubstr;
+using testing::Not;
+
+namespace {
+
+constexpr unsigned kSerial = 1000;
+constexpr int kGpio0 = 9;
+constexpr int kGpio1 = 10;
+constexpr int kFinish = 1;
+
+template <typename Condition>
+void waitUntil(const Condition& reached)
+{
+    while (!reached()) {
+        const timespec moment = {0, 1'000'000};
+        nanosleep(&moment, nullptr);
+    }
+}
+
+/// Where a session ends.
+enum class Stage { started, sends, received };
+
+class RealTimeSessionsTest : public testing::Test {
+protected:
+    RealTimeSessionsTest()
+    {
+        host().reset();
+        fcsim::reset();
+        kxtest::CameraText camera;
+        camera.serial = kSerial;
+        camera.sensor = "width = 160, height = 120, colour = false, frame_rate = 100.0";
+        camera.extra = "scene = { kind = \"none\" }\n"
+                       "[[camera.io_box]]\n"
+                       "listens_on = 0\n"
+                       "answers_on = 1\n";
+        EXPECT_EQ(fcsim::loadBus(kxtest::busText({camera}), "test bus"), "");
+    }
+    void SetUp() override
+    {
+        CExCam camera;
+        CCamCtrlThread thread;
+        thread.CtrlThreadStart(&camera);
+        if (!camera.ctrlThread) {
+            GTEST_SKIP() << "real-time threads are not allowed here";
+        }
+    }
+    ~RealTimeSessionsTest() override
+    {
+        gKxLogLevelLib = gKxLogModeLib = 0;
+        host().reset();
+    }
+
+    /// All that is said until the session has ended.
+    static void say(unsigned level)
+    {
+        gKxLogLevelLib = level;
+        gKxLogModeLib = kxlog::kToStdout;
+    }
+    void connect(CExCam& camera)
+    {
+        FlyCapture2::BusManager bus;
+        ASSERT_EQ(bus.GetCameraFromIndex(0, &guid_), FlyCapture2::PGRERROR_OK);
+        ASSERT_EQ(camera.Connect(&guid_), FlyCapture2::PGRERROR_OK);
+        ASSERT_EQ(camera.GetCameraInfo(&info_), FlyCapture2::PGRERROR_OK);
+    }
+    /// A session that sends this word and is told to finish at this stage. Returns its result.
+    int session(Stage end, int bits, int word)
+    {
+        CExCam camera;
+        connect(camera);
+        host().config.iobox = {{.pin = kGpio0, .mode = 1, .inv = 0, .src = 5, .par = {bits, word}},
+                               {.pin = kGpio1, .mode = 2, .inv = 0, .src = 5, .par = {2000, 12}}};
+        host().checkSignal = [end] { return isReached(end) ? kFinish : 0; };
+        const int result = KxPgProc(kKxPGreyOther, guid_, &camera, &info_);
+        static_cast<void>(fcsim::takeTransitions(kSerial, 0));
+        static_cast<void>(camera.Disconnect());
+        return result;
+    }
+    static bool isReached(Stage stage)
+    {
+        switch (stage) {
+        case Stage::started:
+            return true;
+        case Stage::sends:
+            return !fcsim::takeTransitions(kSerial, 0).empty();
+        case Stage::received:
+            return receivedWord().has_value();
+        }
+        return true;
+    }
+    /// The word that left with a frame.
+    static std::optional<double> receivedWord()
+    {
+        for (const kxtest::Export& one : host().exports) {
+            if (one.numbers.contains(14) && one.numbers.at(14) != 0) {
+                return one.numbers.at(13);
+            }
+        }
+        return std::nullopt;
+    }
+    /// What the tests themselves keep.
+    static void forget()
+    {
+        journal().clear();
+        host().exports.clear();
+        host().frames.clear();
+    }
+    ProcessResources after(unsigned sessions)
+    {
+        constexpr unsigned kKinds = 4;
+        for (unsigned number = 0; number < sessions && !HasFailure(); ++number) {
+            const auto word = static_cast<int>(number % 4);
+            switch (number % kKinds) {
+            case 0:
+                EXPECT_EQ(session(Stage::started, 2, word), 0);
+                break;
+            case 1:
+                EXPECT_EQ(session(Stage::sends, 2, word), 0);
+                break;
+            case 2:
+                EXPECT_EQ(session(Stage::received, 2, word), 0);
+                EXPECT_EQ(receivedWord(), word);
+                break;
+            default: // longer than the 0.4 s in which a thread has to stop
+                EXPECT_EQ(session(Stage::sends, 32, word), 0);
+                break;
+            }
+            forget();
+        }
+        return processResources();
+    }
+
+    FlyCapture2::PGRGuid guid_;
+    FlyCapture2::CameraInfo info_;
+};
+
+TEST_F(RealTimeSessionsTest, LeaveNothingBehind)
+{
+    const ProcessResources before = after(4);
+    const ProcessResources later = after(kxtest::sessionsToRun(4));
+    EXPECT_EQ(later.threads, before.threads);
+    EXPECT_EQ(later.descriptors, before.descriptors);
+    EXPECT_LE(later.heapBytes, before.heapBytes + 65'536);
+}
+
+TEST_F(RealTimeSessionsTest, AThreadThatSendsALongWordIsCancelled)
+{
+    StdoutCapture output;
+    say(3);
+    const auto start = std::chrono::steady_clock::now();
+    const int result = session(Stage::sends, 32, -2);
+    const auto taken = std::chrono::steady_clock::now() - start;
+    say(0);
+    const auto lines = output.lines();
+    EXPECT_EQ(result, 0);
+    EXPECT_THAT(lines, Contains(HasSubstr("grab ctrl thread new: policy=1 prio=98")));
+    EXPECT_THAT(lines, Contains(HasSubstr("Cancelling grab ctrl thread...")));
+    EXPECT_THAT(lines, Not(Contains(HasSubstr("sent data"))));
+    EXPECT_GE(taken, std::chrono::milliseconds(400));
+}
+
+TEST_F(RealTimeSessionsTest, ACameraThatIsPulledOutEndsTheThread)
+{
+    StdoutCapture output;
+    say(3);
+    {
+        CExCam camera;
+        connect(camera);
+        CCamCtrlThread thread;
+        thread.CtrlThreadStart(&camera);
+        waitUntil([&] { return KxPGrey::shared::look(camera.ctrlThreadRunning); });
+        fcsim::setAttached(kSerial, false);
+        waitUntil([&] { return !KxPGrey::shared::look(camera.ctrlThreadRunning); });
+    }
+    say(0);
+    const auto lines = output.lines();
+    EXPECT_THAT(lines, Contains(HasSubstr("device detach is detected by ctrl thread...")));
+    EXPECT_THAT(lines, Not(Contains(HasSubstr("Stopping grab ctrl thread..."))));
+}
+
+TEST_F(RealTimeSessionsTest, ACameraThatIsPulledOutWhileItGrabsAndSendsEndsTheSession)
+{
+    host().onCall = [](std::string_view name) {
+        if (name == "KxSc__ProcExport" && isReached(Stage::sends)) {
+            fcsim::setAttached(kSerial, false);
+        }
+    };
+    const ProcessResources before = processResources();
+    EXPECT_LT(session(Stage::received, 32, 1), 0);
+    EXPECT_EQ(processResources().threads, before.threads);
+}
+
+} // namespace
