@@ -190,27 +190,28 @@ const uint16_t* KxGiMainCtx__GetLutDataU16()
 }
 uint32_t KxGiMainCtx__GetIoboxNum()
 {
-    return 0;
+    return static_cast<uint32_t>(host().lines.size());
 }
-int32_t KxGiMainCtx__GetIoboxPin(int /*set*/)
+int32_t KxGiMainCtx__GetIoboxPin(int set)
 {
-    return 0;
+    return host().lines[static_cast<std::size_t>(set)].pin;
 }
-int32_t KxGiMainCtx__GetIoboxMod(int /*set*/)
+int32_t KxGiMainCtx__GetIoboxMod(int set)
 {
-    return 0;
+    return host().lines[static_cast<std::size_t>(set)].mode;
 }
 int32_t KxGiMainCtx__GetIoboxInv(int /*set*/)
 {
     return 0;
 }
-int32_t KxGiMainCtx__GetIoboxSrc(int /*set*/)
+int32_t KxGiMainCtx__GetIoboxSrc(int set)
 {
-    return 0;
+    return host().lines[static_cast<std::size_t>(set)].source;
 }
-int32_t KxGiMainCtx__GetIoboxPar(int /*set*/, int /*which*/)
+int32_t KxGiMainCtx__GetIoboxPar(int set, int which)
 {
-    return 0;
+    const kxbench::Line& line = host().lines[static_cast<std::size_t>(set)];
+    return which == 0 ? line.parameter0 : line.parameter1;
 }
 
 // ---- Host control.

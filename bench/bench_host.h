@@ -6,8 +6,18 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <vector>
 
 namespace kxbench {
+
+/// One entry of the I/O box, as the host hands it to the plug-in.
+struct Line {
+    std::int32_t pin = 0;
+    std::int32_t mode = 0;
+    std::int32_t source = 0;
+    std::int32_t parameter0 = -1;
+    std::int32_t parameter1 = -1;
+};
 
 /// The camera's parameters as they are configured; as they stand here, the camera keeps its own.
 struct Parameters {
@@ -27,6 +37,7 @@ struct Host {
     std::uint32_t measureUntil = 0; ///< export after which it ends
 
     Parameters parameters;
+    std::vector<Line> lines;
 
     std::uint32_t exports = 0; ///< so far
     Usage from;                ///< at `measureFrom`
