@@ -4,8 +4,10 @@
 #include "export_summary.h"
 #include "grab_run.h"
 #include "progress.h"
+#include "real_time.h"
 #include "services.h"
 
+#include <algorithm>
 #include <csignal>
 #include <cstdio>
 
@@ -33,6 +35,11 @@ GrabSummary summarize(const GrabResult& result, const Settings& settings,
     summary.framePeriodUs = counts.framePeriodUs;
     summary.overBudget = counts.overBudget;
     summary.longestUs = counts.longestUs;
+    summary.received = {.expected = std::ranges::any_of(settings.iobox, isDataInput),
+                        .count = counts.words,
+                        .frame = counts.wordFrame,
+                        .data = counts.wordData,
+                        .bits = counts.wordBits};
     return summary;
 }
 
@@ -143,6 +150,9 @@ int commandGrab(const CommandLine& commandLine)
         }
     }
     const Settings& settings = services().settings = configuration.settings;
+    if (const std::string trouble = realTimeTrouble(settings); !trouble.empty()) {
+        complain(trouble);
+    }
     // A file that may not grow is an error of its write, as on a full disk, and no reason to die.
     std::signal(SIGXFSZ, SIG_IGN);
     // Nor is a reader of the log that went away.

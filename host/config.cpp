@@ -107,12 +107,13 @@ private:
             return;
         }
         if (tables->size() > kMaxIobox) {
-            report(node.source(), "there may be " + std::to_string(kMaxIobox) +
+            report(tables->get(kMaxIobox)->source(), "there may be " + std::to_string(kMaxIobox) +
                                       " [[iobox]] settings, not " + std::to_string(tables->size()));
             return;
         }
         configuration_.settings.iobox.resize(tables->size());
         for (std::size_t index = 0; index < tables->size(); ++index) {
+            configuration_.ioboxPlaces.push_back(place(tables->get(index)->source()));
             readTable(kIoboxSection, *tables->get(index)->as_table(), index);
         }
     }

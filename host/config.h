@@ -19,7 +19,8 @@ struct GivenKey {
 
 struct Configuration {
     Settings settings;
-    std::vector<GivenKey> given; ///< each key and index once
+    std::vector<GivenKey> given;          ///< each key and index once
+    std::vector<std::string> ioboxPlaces; ///< of each table of [[iobox]]: "camera.toml:9"
 };
 
 /// Every problem of a configuration, one line of text each; empty = none.

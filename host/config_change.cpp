@@ -47,6 +47,23 @@ bool differs(Configuration& before, Configuration& after, const Key& key)
     return false;
 }
 
+/// Whether a data input has other parameters and is the same otherwise: the plug-in then leaves it
+/// as it is.
+bool hasOtherInput(const Settings& before, const Settings& after)
+{
+    const auto isOther = [](const IoboxSetting& one, const IoboxSetting& other) {
+        return isDataInput(one) && isDataInput(other) && one.pin == other.pin &&
+               one.invert == other.invert && one.parameters != other.parameters;
+    };
+    const std::size_t count = std::min(before.iobox.size(), after.iobox.size());
+    for (std::size_t index = 0; index < count; ++index) {
+        if (isOther(before.iobox[index], after.iobox[index])) {
+            return true;
+        }
+    }
+    return false;
+}
+
 /// A copy with all settings of pins that there can be.
 Configuration withEveryPin(Configuration configuration)
 {
@@ -78,16 +95,20 @@ void swapKeys(Settings& one, Settings& other, Takes takes)
             exchange(key.slot(one, 0), key.slot(other, 0));
         }
     }
-    if (takes == Takes::kLive) { // all keys of pins are, which a test keeps so
+    // Those of a pin go together. The few that are not live differ only with a reload, which takes
+    // over all keys.
+    if (takes == Takes::kLive) {
         std::swap(one.iobox, other.iobox);
     }
 }
 
 bool needsRestart(Settings& before, Settings& after)
 {
-    return std::ranges::any_of(configKeys(), [&](const Key& key) {
-        return key.takes == Takes::kRestart && !isSame(key.slot(before, 0), key.slot(after, 0));
+    const bool hasOtherKey = std::ranges::any_of(configKeys(), [&](const Key& key) {
+        return key.takes == Takes::kRestart && key.section != kIoboxSection &&
+               !isSame(key.slot(before, 0), key.slot(after, 0));
     });
+    return hasOtherKey || hasOtherInput(before, after);
 }
 
 std::string listed(const std::vector<std::string>& names)

@@ -1,16 +1,19 @@
 // What keys demand of each other.
 #include "config_check.h"
 
+#include "config_iobox.h"
 #include "config_value.h"
 #include "toml_text.h"
+
+#include <algorithm>
+#include <iterator>
 
 namespace kxhost {
 namespace {
 
-bool isGiven(const Configuration& configuration, std::string_view section, std::string_view name,
-             std::size_t index = 0)
+bool isGiven(const Configuration& configuration, std::string_view section, std::string_view name)
 {
-    return findGiven(configuration, section, name, index) != nullptr;
+    return findGiven(configuration, section, name) != nullptr;
 }
 
 std::string valueOf(const Configuration& configuration, const GivenKey& given)
@@ -48,44 +51,6 @@ void checkRange(const Configuration& configuration, std::string_view low, std::s
     }
 }
 
-/// What a pin's parameters are called in the use that its source and mode make of it.
-struct PinUse {
-    std::int32_t source;
-    std::int32_t mode; ///< 0 = any
-    std::string_view name;
-    std::array<std::string_view, 2> parameters;
-    bool required;
-};
-constexpr std::array kPinUses = {
-    PinUse{2, 0, "a strobe", {"delay", "duration"}, false},
-    PinUse{5, 1, "data output", {"bits", "word"}, true},
-    PinUse{5, 2, "data input", {"timeout_polls", "gap_polls"}, false},
-};
-
-void checkPin(const Configuration& configuration, std::size_t index, ConfigErrors& errors)
-{
-    const IoboxSetting& setting = configuration.settings.iobox[index];
-    const std::string place = "iobox setting " + std::to_string(index + 1);
-    if (!isGiven(configuration, kIoboxSection, "pin", index)) {
-        errors.push_back(place + ": pin is missing");
-    }
-    for (const PinUse& use : kPinUses) {
-        const bool inUse =
-            use.source == setting.source && (use.mode == 0 || use.mode == setting.mode);
-        for (const std::string_view name : use.parameters) {
-            const GivenKey* given = findGiven(configuration, kIoboxSection, name, index);
-            if (given != nullptr && !inUse) {
-                errors.push_back(
-                    problemOf(configuration, *given, "is for " + std::string(use.name) + " only"));
-            }
-            if (given == nullptr && inUse && use.required) {
-                errors.push_back(place + ": " + std::string(use.name) + " needs " +
-                                 std::string(name));
-            }
-        }
-    }
-}
-
 void completeMode(Configuration& configuration, std::string_view section, std::string_view value,
                   std::string_view mode, std::int32_t& setting)
 {
@@ -115,9 +80,7 @@ ConfigErrors checkConfiguration(const Configuration& configuration)
     checkRange(configuration, "exposure_min", "exposure_max", settings.autoExposureMinUs,
                settings.autoExposureMaxUs, errors);
     checkPair(configuration, "color", "white_balance_red", "white_balance_blue", errors);
-    for (std::size_t index = 0; index < settings.iobox.size(); ++index) {
-        checkPin(configuration, index, errors);
-    }
+    std::ranges::move(checkIobox(configuration), std::back_inserter(errors));
     return errors;
 }
 

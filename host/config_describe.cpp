@@ -19,7 +19,7 @@ void describeKey(Configuration& configuration, const Key& key, std::size_t index
     text.append(key.name).append(" = ");
     text.append(valueText(key.rule, key.slot(configuration.settings, index)));
     text.append(meaning.empty() ? "" : "  # ").append(meaning).append("\n");
-    const std::string hint = hintOn(configuration, key);
+    const std::string hint = hintOn(configuration, key, index);
     if (!hint.empty()) {
         text.append("#   hint: ").append(key.name).append(" ").append(hint).append("\n");
     }

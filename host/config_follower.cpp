@@ -2,6 +2,7 @@
 #include "config_follower.h"
 
 #include "config_change.h"
+#include "real_time.h"
 
 #include <utility>
 
@@ -87,6 +88,11 @@ void ConfigFollower::offer(OfferSlot& slot, const Configuration& configuration)
     offer->changed = listed(
         changedKeys(offered_, configuration, {Takes::kLive, Takes::kReload, Takes::kRestart}));
     offer->settings = configuration.settings;
+    if (offered_.settings.iobox.empty()) { // otherwise it was said before
+        if (const auto trouble = realTimeTrouble(configuration.settings); !trouble.empty()) {
+            say_(trouble);
+        }
+    }
     Settings fixed = start_.settings;
     swapKeys(offer->settings, fixed, Takes::kStart);
     offered_ = configuration;

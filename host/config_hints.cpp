@@ -2,6 +2,7 @@
 #include "config_hints.h"
 
 #include "config_check.h"
+#include "config_iobox.h"
 
 #include <algorithm>
 #include <array>
@@ -185,23 +186,30 @@ constexpr std::array kHints = {
 
 } // namespace
 
-std::string hintOn(const Configuration& configuration, const Key& key)
+std::string hintOn(const Configuration& configuration, const Key& key, std::size_t index)
 {
+    if (findGiven(configuration, key.section, key.name, index) == nullptr) {
+        return {};
+    }
+    if (key.section == kIoboxSection) {
+        return ioboxHint(configuration, key, index);
+    }
     const auto rule = std::ranges::find_if(kHints, [&](const HintRule& candidate) {
         return candidate.section == key.section && candidate.name == key.name;
     });
-    const bool isGiven = findGiven(configuration, key.section, key.name) != nullptr;
-    return isGiven && rule != kHints.end() ? rule->hint(configuration.settings) : "";
+    return rule != kHints.end() ? rule->hint(configuration.settings) : "";
 }
 
 std::vector<std::string> hintsOn(const Configuration& configuration)
 {
     std::vector<std::string> hints;
-    for (const Key& key : configKeys()) {
-        const std::string hint = hintOn(configuration, key);
-        if (!hint.empty()) {
-            const GivenKey* given = findGiven(configuration, key.section, key.name);
-            hints.push_back(problemOf(configuration, *given, hint));
+    for (std::size_t index = 0; index < kMaxIobox; ++index) {
+        for (const Key& key : configKeys()) {
+            const std::string hint = hintOn(configuration, key, index);
+            if (!hint.empty()) {
+                const GivenKey* given = findGiven(configuration, key.section, key.name, index);
+                hints.push_back(problemOf(configuration, *given, hint));
+            }
         }
     }
     return hints;

@@ -17,12 +17,13 @@ constexpr std::array kModeWords = {Word{"keep", kSweepKeep}, Word{"manual", kSwe
                                    Word{"auto", kSweepAuto}};
 constexpr std::array kProfileWords = {Word{"keep", 0}, Word{"on", 1}};
 
-constexpr std::array kPinWords = {
-    Word{"none", 0},   Word{"line1", 1},  Word{"line2", 2}, Word{"line3", 3}, Word{"line4", 4},
-    Word{"out1", 5},   Word{"out2", 6},   Word{"out3", 7},  Word{"out4", 8},  Word{"gpio0", 9},
-    Word{"gpio1", 10}, Word{"gpio2", 11}, Word{"gpio3", 12}};
-constexpr std::array kPinModeWords = {Word{"off", 0}, Word{"output", 1}, Word{"input", 2}};
-constexpr std::array kPinSourceWords = {Word{"none", 0}, Word{"strobe", 2}, Word{"data", 5}};
+/// The camera's pins by their ids; hosts for other cameras have further ones.
+constexpr std::array kPinWords = {Word{"gpio0", 9}, Word{"gpio1", 10}, Word{"gpio2", 11},
+                                  Word{"gpio3", 12}};
+constexpr std::array kPinModeWords = {Word{"off", kPinOff}, Word{"output", kPinOutput},
+                                      Word{"input", kPinInput}};
+constexpr std::array kPinSourceWords = {Word{"none", kPinNoSource}, Word{"strobe", kPinStrobe},
+                                        Word{"data", kPinData}};
 constexpr std::array kInvertWords = {Word{"no", 0}, Word{"yes", 2}};
 
 constexpr std::array kLevelWords = {Word{"off", 0},  Word{"error", 1}, Word{"warning", 2},
@@ -76,6 +77,9 @@ constexpr NumberRule kGainRule = number(Dimension::kGain, -99, 100);
 /// bits of 10 us; what lies outside would become another value.
 constexpr NumberRule kGainLimitRule = number(Dimension::kGain, 0, 100);
 constexpr NumberRule kExposureLimitRule = number(Dimension::kTime, 10, 40950);
+/// The receiver counts a pulse at the third poll of rest behind it, so a symbol cannot end sooner.
+constexpr double kShortestGap = 4;
+constexpr double kLongestGap = 1e6;
 constexpr NumberRule kPinTimeRule = whole(0, kLargest, Dimension::kTime);
 
 const std::array kKeys = {
@@ -183,7 +187,7 @@ const std::array kKeys = {
         "How much a table computed from the picture may raise contrast; 1 not at all.",
         member<&Settings::lutClipLimit>},
 
-    Key{kIoboxSection, "pin", Takes::kLive, WordRule{kPinWords}, "none", "The pin that is set.",
+    Key{kIoboxSection, "pin", Takes::kLive, WordRule{kPinWords}, "required", "The pin that is set.",
         pinMember<&IoboxSetting::pin>},
     Key{kIoboxSection, "mode", Takes::kLive, WordRule{kPinModeWords}, "off",
         "Direction of the pin.", pinMember<&IoboxSetting::mode>},
@@ -192,17 +196,17 @@ const std::array kKeys = {
         pinMember<&IoboxSetting::source>},
     Key{kIoboxSection, "invert", Takes::kLive, WordRule{kInvertWords}, "no",
         "Inversion of the pin's level.", pinMember<&IoboxSetting::invert>},
-    Key{kIoboxSection, "delay", Takes::kLive, kPinTimeRule, "none",
+    Key{kIoboxSection, "delay", Takes::kLive, kPinTimeRule, kKept,
         "Strobe: from the start of the exposure to the pulse.", pinParameter<0>},
-    Key{kIoboxSection, "duration", Takes::kLive, kPinTimeRule, "as long as the exposure",
-        "Strobe: length of the pulse.", pinParameter<1>},
+    Key{kIoboxSection, "duration", Takes::kLive, kPinTimeRule, kKept,
+        "Strobe: length of the pulse, at most the exposure.", pinParameter<1>},
     Key{kIoboxSection, "bits", Takes::kLive, whole(1, 32), "none",
         "Data output: number of bits to send.", pinParameter<0>},
     Key{kIoboxSection, "word", Takes::kLive, whole(0, kLargest), "none",
         "Data output: the word to send.", pinParameter<1>},
-    Key{kIoboxSection, "timeout_polls", Takes::kLive, whole(1, kLargest), "10000",
+    Key{kIoboxSection, "timeout_polls", Takes::kRestart, whole(1, kLargest), "10000",
         "Data input: polls of the line until a reply is given up.", pinParameter<0>},
-    Key{kIoboxSection, "gap_polls", Takes::kLive, whole(1, kLargest), "12",
+    Key{kIoboxSection, "gap_polls", Takes::kRestart, whole(kShortestGap, kLongestGap), "12",
         "Data input: polls of an idle line that end a symbol.", pinParameter<1>},
 
     Key{"log", "level", Takes::kLive, WordRule{kLevelWords}, "warning",

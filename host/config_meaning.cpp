@@ -1,31 +1,15 @@
 // What the values of a configuration mean for the camera.
 #include "config_meaning.h"
 
+#include "config_iobox.h"
+#include "quantity.h"
+
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <cstdio>
 
 namespace kxhost {
 namespace {
-
-std::string number(double value)
-{
-    std::array<char, 32> digits{};
-    const int length = std::snprintf(digits.data(), digits.size(), "%.4g", value);
-    return {digits.data(), static_cast<std::size_t>(length)};
-}
-
-/// A time in the unit that people would take.
-std::string time(double us)
-{
-    constexpr double kMillisecond = 1e3;
-    constexpr double kSecond = 1e6;
-    if (us < kMillisecond) {
-        return number(us) + " us";
-    }
-    return us < kSecond ? number(us / kMillisecond) + " ms" : number(us / kSecond) + " s";
-}
 
 bool has(const Configuration& configuration, std::string_view section, std::string_view name)
 {
@@ -79,17 +63,18 @@ std::string ofRotation(const Configuration& configuration)
 
 std::string ofFrameRate(const Configuration& configuration)
 {
-    return "a frame every " + time(1e6 / double{configuration.settings.frameRate});
+    return "a frame every " + readableTime(1e6 / double{configuration.settings.frameRate});
 }
 
 std::string ofExposure(const Configuration& configuration)
 {
-    return time(double{configuration.settings.exposureUs});
+    return readableTime(double{configuration.settings.exposureUs});
 }
 
 std::string ofGain(const Configuration& configuration)
 {
-    return "the signal times " + number(std::pow(10, double{configuration.settings.gainDb} / 20));
+    return "the signal times " +
+           readableNumber(std::pow(10, double{configuration.settings.gainDb} / 20));
 }
 
 /// The plug-in takes one for off; it compares with this tolerance.
@@ -139,19 +124,19 @@ std::string ofBrightness(const Configuration& configuration)
     }
     const bool isDark = share < 0.5;
     const double part = isDark ? 1 - 2 * share : 2 * (share - 0.5);
-    return number(100 * part) + " % of the way from 0 EV to the camera's " +
+    return readableNumber(100 * part) + " % of the way from 0 EV to the camera's " +
            (isDark ? "darkest" : "brightest") + " setting";
 }
 
 /// What the camera's register holds of a limit: whole steps, cut as the plug-in cuts them.
 std::string gainSteps(float limitDb)
 {
-    return number(std::trunc(double{limitDb} / 0.1)) + " steps of 0.1 dB";
+    return readableNumber(std::trunc(double{limitDb} / 0.1)) + " steps of 0.1 dB";
 }
 
 std::string exposureSteps(float limitUs)
 {
-    return number(std::trunc(limitUs / 10)) + " steps of 10 us";
+    return readableNumber(std::trunc(limitUs / 10)) + " steps of 10 us";
 }
 
 std::string ofGainMin(const Configuration& configuration)
@@ -250,6 +235,9 @@ constexpr std::array kMeanings = {
 std::string meaningOf(const Configuration& configuration, const Key& key, std::size_t index)
 {
     const bool isGiven = findGiven(configuration, key.section, key.name, index) != nullptr;
+    if (key.section == kIoboxSection) {
+        return ioboxMeaning(configuration, key, index);
+    }
     const auto rule = std::ranges::find_if(kMeanings, [&](const MeaningRule& candidate) {
         return candidate.section == key.section && candidate.name == key.name;
     });

@@ -35,6 +35,9 @@ struct ScenarioValues {
     std::optional<std::uint64_t> cameraTimeUs;
     std::optional<std::uint32_t> frameCounter;
     std::optional<std::uint64_t> timestampUs;
+    /// A word that has come on an I/O line since the frame before, and its bits. The plug-in
+    /// publishes 0 bits with the frames that bring none: both are empty then, so that each word
+    /// goes with one frame.
     std::optional<std::uint32_t> rxData;
     std::optional<std::uint32_t> rxBits;
     std::optional<std::uint32_t>

@@ -51,6 +51,29 @@ Json exportJson(const GrabSummary& summary)
             {"wait_us", exported.waitUs}};
 }
 
+/// The last word has the names of the metadata.
+Json receivedJson(const ReceivedWords& received)
+{
+    Json last;
+    if (received.count > 0) {
+        last = {{"number", received.frame}, {"rx_data", received.data}, {"rx_bits", received.bits}};
+    }
+    return {{"words", received.count}, {"last", last}};
+}
+
+std::string receivedText(const ReceivedWords& received)
+{
+    if (received.count == 0) {
+        return received.expected ? "received  no words\n" : "";
+    }
+    std::ostringstream text;
+    text << "received  " << received.count
+         << (received.count == 1 ? " word, " : " words, the last ") << "0x" << std::uppercase
+         << std::hex << received.data << std::dec << " (" << received.bits << " bits) with frame "
+         << received.frame << "\n";
+    return text.str();
+}
+
 } // namespace
 
 std::uint64_t lostFrames(const GrabSummary& summary)
@@ -78,6 +101,7 @@ std::string summaryJson(const GrabSummary& summary)
         {"frame_period_us", summary.framePeriodUs},
         {"over_budget", summary.overBudget},
         {"longest_hand_over_us", summary.longestUs},
+        {"received", receivedJson(summary.received)},
     };
     return object.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
 }
@@ -100,7 +124,7 @@ std::string summaryText(const GrabSummary& summary)
         text << "time      longest hand-over " << summary.longestUs << " us of a period of "
              << summary.framePeriodUs << " us, " << summary.overBudget << " frames over it\n";
     }
-    return text.str();
+    return text.str() + receivedText(summary.received);
 }
 
 std::string writeSummary(const GrabSummary& summary, const std::string& path)

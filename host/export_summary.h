@@ -9,6 +9,15 @@
 
 namespace kxhost {
 
+/// The words that came on an I/O line, each with an exported frame.
+struct ReceivedWords {
+    bool expected = false; ///< a pin is configured to take them
+    std::uint64_t count = 0;
+    std::uint64_t frame = 0; ///< number of the frame that brought the last one
+    std::uint32_t data = 0;  ///< the last one
+    std::uint32_t bits = 0;  ///< its length
+};
+
 /// All counts are over the whole run, passes of the plug-in taken together.
 struct GrabSummary {
     int exitCode = 0;            ///< of the process
@@ -26,6 +35,7 @@ struct GrabSummary {
     std::uint32_t framePeriodUs = 0; ///< in force; 0 = not known
     std::uint64_t overBudget = 0;    ///< frames whose hand-over took longer than that period
     std::uint64_t longestUs = 0;     ///< longest hand-over of one frame
+    ReceivedWords received;
 };
 
 /// Frames lost between camera and disk, wherever it happened.

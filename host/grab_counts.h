@@ -20,6 +20,10 @@ struct GrabCounts {
     std::atomic<std::uint64_t> longestUs = 0;  ///< longest hand-over
     std::atomic<std::uint64_t> firstUs = 0;    ///< first arrival, on the steady clock
     std::atomic<std::uint64_t> lastUs = 0;     ///< last arrival
+    std::atomic<std::uint64_t> words = 0;      ///< received on an I/O line
+    std::atomic<std::uint32_t> wordData = 0;   ///< the last of them
+    std::atomic<std::uint32_t> wordBits = 0;   ///< and how many bits it has
+    std::atomic<std::uint64_t> wordFrame = 0;  ///< number of the exported frame that brought it
     std::atomic<std::uint32_t> framePeriodUs = 0;
     std::atomic<bool> capturing = false;
 };

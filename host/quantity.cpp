@@ -87,6 +87,24 @@ std::string formatQuantity(double value, Dimension dimension)
     return text;
 }
 
+std::string readableNumber(double value)
+{
+    std::array<char, 32> digits{};
+    const int length = std::snprintf(digits.data(), digits.size(), "%.4g", value);
+    return {digits.data(), static_cast<std::size_t>(length)};
+}
+
+std::string readableTime(double us)
+{
+    constexpr double kMillisecond = 1e3;
+    constexpr double kSecond = 1e6;
+    if (us < kMillisecond) {
+        return readableNumber(us) + " us";
+    }
+    return us < kSecond ? readableNumber(us / kMillisecond) + " ms"
+                        : readableNumber(us / kSecond) + " s";
+}
+
 std::string unitsOf(Dimension dimension)
 {
     std::string names;

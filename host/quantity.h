@@ -32,6 +32,11 @@ bool needsUnit(Dimension dimension);
 /// The value in the base unit as text that `parseQuantity` reads back: "10000 us".
 std::string formatQuantity(double value, Dimension dimension);
 
+/// A number with four digits at most, and a time, given in microseconds, in the unit that people
+/// would take: "1.413", "20 ms".
+std::string readableNumber(double value);
+std::string readableTime(double us);
+
 /// The units that a dimension knows, for messages: "ns, us, ms, s, min"; empty for plain numbers.
 std::string unitsOf(Dimension dimension);
 

@@ -54,6 +54,8 @@ void Scenario::forgetInstances()
 
 ScenarioValues Scenario::read() const
 {
+    const std::uint32_t rxBits = readAs<std::uint32_t>(values_, kKxScRxBits).value_or(0);
+    const bool hasWord = rxBits != 0;
     return {
         .width = readAs<std::uint32_t>(values_, kKxScWidth),
         .height = readAs<std::uint32_t>(values_, kKxScHeight),
@@ -64,8 +66,8 @@ ScenarioValues Scenario::read() const
         .cameraTimeUs = readAs<std::uint64_t>(values_, kKxScCameraTimeUs),
         .frameCounter = readAs<std::uint32_t>(values_, kKxScFrameCounter),
         .timestampUs = readAs<std::uint64_t>(values_, kKxScTimestampUs),
-        .rxData = readAs<std::uint32_t>(values_, kKxScRxData),
-        .rxBits = readAs<std::uint32_t>(values_, kKxScRxBits),
+        .rxData = hasWord ? readAs<std::uint32_t>(values_, kKxScRxData) : std::nullopt,
+        .rxBits = hasWord ? std::optional(rxBits) : std::nullopt,
         .configuration = {},
     };
 }

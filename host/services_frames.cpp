@@ -76,6 +76,17 @@ void endHandOver(HostServices& host)
     }
 }
 
+/// Notes the word that this frame brings, if it does. REQUIRES: the frame counts as exported.
+void countWord(HostServices& host, const kxhost::ScenarioValues& values)
+{
+    if (values.rxBits) {
+        ++host.counts.words;
+        host.counts.wordData = values.rxData.value_or(0);
+        host.counts.wordBits = *values.rxBits;
+        host.counts.wordFrame = host.counts.exported.load();
+    }
+}
+
 /// An export that has failed once refuses everything; there is no use in grabbing on.
 int refuse(HostServices& host)
 {
@@ -160,11 +171,12 @@ void KxSc__InstSetParamVal(int instance, int id, const void* value)
 void KxSc__ProcExport(uint64_t timestampUs)
 {
     HostServices& host = services();
+    kxhost::ScenarioValues values = host.scenario.read();
     if (host.queue != nullptr) {
-        kxhost::ScenarioValues values = host.scenario.read();
         values.configuration = host.generation;
         host.queue->commit(timestampUs, values);
     }
     ++host.counts.exported;
+    countWord(host, values);
     endHandOver(host);
 }

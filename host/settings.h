@@ -25,6 +25,10 @@ constexpr std::size_t kMaxIobox = 3;
 /// Entries of a configured look-up table.
 constexpr std::size_t kLutEntries = 512;
 
+/// What a pin's `mode` and `source` may be, as the getters give them.
+enum PinMode : std::int32_t { kPinOff = 0, kPinOutput = 1, kPinInput = 2 };
+enum PinSource : std::int32_t { kPinNoSource = 0, kPinStrobe = 2, kPinData = 5 };
+
 /// One setting of an I/O box pin. kx_host.h says how each number is handed over.
 struct IoboxSetting {
     std::int32_t pin = 0;
@@ -33,6 +37,20 @@ struct IoboxSetting {
     std::int32_t invert = 0;
     std::array<std::uint32_t, 2> parameters = {kKeep, kKeep};
 };
+
+/// Whether the pin sends a command, gives pulses with the exposures, or takes the reply.
+constexpr bool isDataOutput(const IoboxSetting& setting)
+{
+    return setting.source == kPinData && setting.mode == kPinOutput;
+}
+constexpr bool isStrobeOutput(const IoboxSetting& setting)
+{
+    return setting.source == kPinStrobe && setting.mode == kPinOutput;
+}
+constexpr bool isDataInput(const IoboxSetting& setting)
+{
+    return setting.source == kPinData && setting.mode == kPinInput;
+}
 
 /// Every setting, with the value that stands for an absent key.
 struct Settings {

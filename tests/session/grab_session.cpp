@@ -68,6 +68,7 @@ std::unique_ptr<Process> GrabSession::start()
         all.insert(all.begin(), {"/usr/bin/env", "GCOV_PREFIX=" + folder_.file("counters"),
                                  "/usr/bin/prlimit", "--fsize=" + std::to_string(filesMayGrowTo)});
     }
+    all.insert(all.begin(), starter.begin(), starter.end());
     if (endsWithTest) {
         all.insert(all.begin(), {"/usr/bin/setpriv", "--pdeathsig=KILL"});
     }

@@ -51,6 +51,8 @@ public:
     bool endsWithTest = false;
     /// Neither progress nor summary.
     bool quiet = true;
+    /// A program and its arguments that start kxhost: with a limit, a priority, ...
+    std::vector<std::string> starter;
     /// Further arguments.
     std::vector<std::string> arguments;
     /// Where the frames go; by default into the session's own folder.

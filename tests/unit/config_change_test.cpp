@@ -106,12 +106,22 @@ TEST(ConfigChange, SwapsTheKeysOfOneKindOnly)
     EXPECT_EQ(one.width, 640U);
 }
 
-TEST(ConfigChange, EveryPinTakesEffectAtOnce)
+/// The plug-in leaves a data input alone that only has other parameters.
+TEST(ConfigChange, OtherParametersOfADataInputNeedANewStart)
 {
-    // swapKeys exchanges the pins as a whole.
-    for (const Key& key : configKeys()) {
-        EXPECT_TRUE(key.section != kIoboxSection || key.takes == Takes::kLive) << key.name;
-    }
+    const auto needs = [](const std::string& one, const std::string& other) {
+        Settings before = read(one).settings;
+        Settings after = read(other).settings;
+        return needsRestart(before, after);
+    };
+    const std::string output = "[[iobox]]\npin = \"gpio0\"\nmode = \"output\"\nsource = \"data\"\n"
+                               "bits = 2\nword = ";
+    const std::string input = "[[iobox]]\npin = \"gpio1\"\nmode = \"input\"\nsource = \"data\"\n";
+    EXPECT_FALSE(needs(output + "1\n" + input, output + "2\n" + input));
+    EXPECT_TRUE(needs(output + "1\n" + input, output + "1\n" + input + "gap_polls = 9\n"));
+    EXPECT_TRUE(needs(input + "timeout_polls = 99\n", input));
+    EXPECT_FALSE(needs(input, input + "invert = \"yes\"\ngap_polls = 9\n"));
+    EXPECT_FALSE(needs("", input + "gap_polls = 9\n"));
 }
 
 TEST(ConfigChange, OnlySomeKeysNeedANewStartOfTheGrab)

@@ -74,6 +74,28 @@ TEST(ExportSummary, TextTellsPeopleTheSame)
     EXPECT_NE(text.find("period of 40000 us"), text.npos) << text;
 }
 
+TEST(ExportSummary, SaysWhichWordsWereReceived)
+{
+    GrabSummary summary = example();
+    const auto received = [&] {
+        return nlohmann::json::parse(kxhost::summaryJson(summary))["received"].dump();
+    };
+    const auto line = [&] {
+        const std::string text = kxhost::summaryText(summary);
+        const std::size_t begin = text.find("received");
+        return begin == std::string::npos ? "" : text.substr(begin);
+    };
+    EXPECT_EQ(received(), R"({"last":null,"words":0})");
+    EXPECT_EQ(line(), "");
+    summary.received.expected = true;
+    EXPECT_EQ(line(), "received  no words\n");
+    summary.received = {.expected = false, .count = 1, .frame = 17, .data = 0x1AB, .bits = 10};
+    EXPECT_EQ(received(), R"({"last":{"number":17,"rx_bits":10,"rx_data":427},"words":1})");
+    EXPECT_EQ(line(), "received  1 word, 0x1AB (10 bits) with frame 17\n");
+    summary.received.count = 3;
+    EXPECT_EQ(line(), "received  3 words, the last 0x1AB (10 bits) with frame 17\n");
+}
+
 TEST(ExportSummary, GoesToAFileWhole)
 {
     const kxtest::TemporaryFolder folder;

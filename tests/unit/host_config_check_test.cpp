@@ -37,17 +37,5 @@ TEST(ConfigCheck, WhiteBalanceIsAPairToo)
               "camera.toml:2: color.white_balance_blue = 500: needs white_balance_red beside it");
 }
 
-TEST(ConfigCheck, PinsMakeSense)
-{
-    EXPECT_EQ(onlyError("[[iobox]]\nmode = \"output\"\n"), "iobox setting 1: pin is missing");
-    EXPECT_EQ(onlyError("[[iobox]]\npin = \"gpio1\"\nbits = 3\n"),
-              "camera.toml:3: iobox.bits = 3: is for data output only");
-    EXPECT_EQ(
-        onlyError("[[iobox]]\npin = \"gpio1\"\nmode = \"output\"\nsource = \"data\"\nbits = 3\n"),
-        "iobox setting 1: data output needs word");
-    const std::string four = "[[iobox]]\n[[iobox]]\n[[iobox]]\n[[iobox]]\n";
-    EXPECT_NE(onlyError(four).find("there may be 3 [[iobox]] settings, not 4"), std::string::npos);
-}
-
 } // namespace
 } // namespace kxhost

@@ -187,7 +187,7 @@ TEST(DescribeConfiguration, TextsReadBackAsTheyWere)
 
 TEST(DescribeConfiguration, NamesEveryKey)
 {
-    const std::string text = "\n" + describeConfiguration(good("[[iobox]]\npin = \"none\"\n"));
+    const std::string text = "\n" + describeConfiguration(good("[[iobox]]\npin = \"gpio0\"\n"));
     for (const Key& key : configKeys()) {
         const std::string name(key.name);
         EXPECT_TRUE(text.find("\n" + name + " = ") != std::string::npos ||

@@ -17,7 +17,7 @@ constexpr std::string_view kOnlyAtStart =
     "output.metadata output.overwrite output.queue output.when_full output.writers ";
 constexpr std::string_view kByRestart =
     "gige.packet_size grab.buffers region.width region.height region.offset_x region.offset_y "
-    "format.pixel_format format.convert_to ";
+    "format.pixel_format format.convert_to iobox.timeout_polls iobox.gap_polls ";
 constexpr std::string_view kByReload =
     "format.rotation acquisition.frame_rate auto.brightness auto.gain_min auto.gain_max "
     "auto.exposure_min auto.exposure_max timestamps.clock_correction ";
@@ -27,7 +27,6 @@ constexpr std::string_view kAtOnce =
     "auto.auto_exposure lut.table lut.file lut.curve lut.bits lut.mode lut.clip_limit iobox.pin "
     "iobox.mode "
     "iobox.source iobox.invert iobox.delay iobox.duration iobox.bits iobox.word "
-    "iobox.timeout_polls iobox.gap_polls "
     "log.level ";
 
 TEST(ConfigTakes, EveryKeyTakesEffectWhenItIsExpectedTo)

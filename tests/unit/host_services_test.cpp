@@ -385,6 +385,40 @@ TEST_F(HandOver, ValuesAreReadThroughTheirPointersAtTheExport)
     EXPECT_FALSE(values.rxBits);
 }
 
+/// As the plug-in does: both values with the frame that brings a word, then 0 bits.
+TEST_F(HandOver, AWordGoesWithOneFrame)
+{
+    std::uint32_t data = 0x155;
+    std::uint32_t bits = 10;
+    const auto received = [] {
+        const ScenarioValues values = services().scenario.read();
+        return std::pair(values.rxData, values.rxBits);
+    };
+    const auto exportFrame = [&](std::uint64_t timestampUs) {
+        trigger(1, timestampUs);
+        KxSc__ProcExport(timestampUs);
+    };
+    exportFrame(1);
+    EXPECT_EQ(counts().words, 0U);
+    KxSc__SetParamVal(kKxScRxData, &data);
+    KxSc__SetParamVal(kKxScRxBits, &bits);
+    EXPECT_EQ(received(), std::pair(std::optional(0x155U), std::optional(10U)));
+    exportFrame(2);
+    bits = 0;
+    KxSc__SetParamVal(kKxScRxBits, &bits);
+    EXPECT_EQ(received(),
+              std::pair(std::optional<std::uint32_t>(), std::optional<std::uint32_t>()));
+    exportFrame(3);
+    EXPECT_EQ(counts().words, 1U);
+    bits = 32;
+    data = 0;
+    exportFrame(4);
+    EXPECT_EQ(counts().words, 2U) << "a word of zeros is one, too";
+    EXPECT_EQ(counts().wordData, 0U);
+    EXPECT_EQ(counts().wordBits, 32U);
+    EXPECT_EQ(counts().wordFrame, 4U);
+}
+
 TEST_F(HandOver, PicturesAndValuesReachTheFolder)
 {
     const auto folder = std::filesystem::path(testing::TempDir()) / "kxhost_hand_over";

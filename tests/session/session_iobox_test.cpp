@@ -1,0 +1,257 @@
+// The camera's I/O lines through kxhost: strobes, commands to a simulated I/O box, and its replies.
+#include "live_frames.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include <unistd.h>
+
+namespace {
+
+using kxtest::GrabSession;
+using kxtest::LiveGrab;
+using Json = nlohmann::json;
+
+constexpr const char* kStrobe = "[[iobox]]\npin = \"gpio0\"\nmode = \"output\"\nsource = "
+                                "\"strobe\"\ndelay = \"500 us\"\nduration = \"1 ms\"\n";
+constexpr const char* kInput = "[[iobox]]\npin = \"gpio1\"\nmode = \"input\"\nsource = \"data\"\n";
+constexpr const char* kStrobeOn =
+    "### set strobe on pin 0: onOff=1 (delay=0.500000, duration=1.000000, polarity=1) ###";
+/// What these tests do not send.
+constexpr const char* kNeverAnswers = "[[camera.io_box.reply]]\ncommand = 77\nword = 1\nbits = 2\n";
+constexpr const char* kRestored = "restored strob";
+
+std::string command(const std::string& word, unsigned bits)
+{
+    return "[[iobox]]\npin = \"gpio0\"\nmode = \"output\"\nsource = \"data\"\nbits = " +
+           std::to_string(bits) + "\nword = " + word + "\n";
+}
+
+/// Exposure and rate of all these grabs.
+std::string withLight(const std::string& pins, const std::string& gain = "0 dB")
+{
+    return "[acquisition]\nframe_rate = 60\nexposure = \"4 ms\"\ngain = \"" + gain + "\"\n" + pins;
+}
+
+bool runs(std::vector<std::string> starter, const std::vector<std::string>& program)
+{
+    starter.insert(starter.end(), program.begin(), program.end());
+    return kxtest::run(starter).code == 0;
+}
+
+/// Whether a program started this way may run a thread like the plug-in's control thread.
+bool allowsRealTime(const std::vector<std::string>& starter = {})
+{
+    return runs(starter, {"/usr/bin/chrt", "--fifo", "98", "/bin/true"});
+}
+
+/// What takes the right to real-time threads from a program.
+std::vector<std::string> withoutRealTime()
+{
+    std::vector<std::string> starter = {"/usr/bin/prlimit", "--rtprio=0"};
+    if (geteuid() == 0) {
+        starter.insert(starter.end(),
+                       {"/usr/bin/setpriv", "--bounding-set=-sys_nice", "--inh-caps=-sys_nice"});
+    }
+    return starter;
+}
+
+/// A camera of 60 frames a second whose pins 0 and 1 lead to an I/O box.
+class SessionIobox : public testing::Test {
+protected:
+    /// `keys` are further ones of the box.
+    void useBox(const std::string& keys = "")
+    {
+        kxtest::TestSensor sensor;
+        sensor.frameRate = 60;
+        sensor.paced = true;
+        session_.bus =
+            kxtest::busWith(sensor, "[[camera.io_box]]\nlistens_on = 0\nanswers_on = 1\nlog = \"" +
+                                        boxLog() + "\"\n" + keys);
+        session_.set("log.level=info");
+        session_.set("output.format=none");
+    }
+
+    /// Also keeps a busy machine from slowing the grab down, by real time for it, too.
+    static bool cannotRun(GrabSession& session)
+    {
+        session.starter = {"/usr/bin/chrt", "--fifo", "10"};
+        return !allowsRealTime();
+    }
+
+    std::string boxLog() const { return session_.folder().file("box.log"); }
+
+    /// What the box has heard and answered, without the times.
+    std::vector<std::string> heard() const
+    {
+        std::vector<std::string> lines = kxtest::readLines(boxLog());
+        for (std::string& line : lines) {
+            line.erase(0, line.find(' ') + 1);
+            line.resize(std::min(line.size(), line.find(" bits")));
+        }
+        return lines;
+    }
+
+    /// The frames that brought a word.
+    std::vector<Json> framesWithWord() const
+    {
+        std::vector<Json> frames = session_.frames();
+        std::erase_if(frames, [](const Json& frame) {
+            EXPECT_EQ(frame.contains("rx_bits"), frame.contains("rx_data"));
+            return !frame.contains("rx_bits");
+        });
+        return frames;
+    }
+
+    void finish(LiveGrab& grab)
+    {
+        EXPECT_EQ(grab.finish(), 0) << grab.process().standardError();
+        EXPECT_EQ(kxtest::expectNothingLost(session_), 0U);
+    }
+
+    GrabSession session_;
+};
+
+#define SKIP_WITHOUT_REAL_TIME()                                                                   \
+    if (cannotRun(session_)) {                                                                     \
+        GTEST_SKIP() << "threads with real-time priority are not allowed here";                    \
+    }                                                                                              \
+    static_assert(true)
+
+bool hasWord(const Json& frame)
+{
+    return frame.contains("rx_bits");
+}
+
+TEST_F(SessionIobox, AReplyComesWithAFrameAndTheStrobeComesBack)
+{
+    SKIP_WITHOUT_REAL_TIME();
+    useBox("[[camera.io_box.reply]]\ncommand = 914\nword = 0x155\nbits = 10\n");
+    session_.configuration = withLight(kStrobe + command("0x392", 10) + kInput);
+    session_.quiet = false;
+    LiveGrab grab(session_);
+    grab.waitForLog("sent data 0x00000392 (10 bits)");
+    const Json frame = grab.waitForFrame("frame with a reply", hasWord);
+    EXPECT_EQ(frame["rx_data"], 0x155);
+    EXPECT_EQ(frame["rx_bits"], 10);
+    grab.waitForLog(kRestored);
+    grab.waitForLog(kStrobeOn);
+    grab.waitForMoreFrames(5);
+    finish(grab);
+
+    EXPECT_EQ(heard(),
+              (std::vector<std::string>{"command 0x00000392 10", "reply   0x00000155 10"}));
+    EXPECT_EQ(framesWithWord(), std::vector{frame});
+    EXPECT_EQ(session_.summary()["received"],
+              (Json{{"words", 1},
+                    {"last", {{"number", frame["number"]}, {"rx_data", 0x155}, {"rx_bits", 10}}}}));
+    EXPECT_NE(grab.process().standardOutput().find("received  1 word, 0x155 (10 bits) with frame " +
+                                                   frame["number"].dump()),
+              std::string::npos)
+        << grab.process().standardOutput();
+}
+
+TEST_F(SessionIobox, AStrobeAloneIsSetAtTheStart)
+{
+    SKIP_WITHOUT_REAL_TIME();
+    useBox();
+    session_.configuration = withLight(kStrobe);
+    session_.quiet = false;
+    LiveGrab grab(session_);
+    grab.waitForLog(kStrobeOn);
+    grab.waitForMoreFrames(5);
+    finish(grab);
+    EXPECT_EQ(heard(), std::vector<std::string>{});
+    EXPECT_EQ(grab.process().standardOutput().find("received "), std::string::npos);
+}
+
+TEST_F(SessionIobox, ACommandNeedsNoReply)
+{
+    SKIP_WITHOUT_REAL_TIME();
+    useBox(kNeverAnswers);
+    session_.configuration = withLight(command("0b101", 3));
+    LiveGrab grab(session_);
+    grab.waitForLog("sent data 0x00000005 (3 bits)");
+    grab.waitForMoreFrames(5);
+    finish(grab);
+    EXPECT_EQ(heard(), std::vector<std::string>{"command 0x0000000A 4"});
+    EXPECT_EQ(framesWithWord(), std::vector<Json>{});
+    EXPECT_EQ(session_.summary()["received"], (Json{{"words", 0}, {"last", nullptr}}));
+}
+
+TEST_F(SessionIobox, AReplyOfWrongParityIsRejected)
+{
+    SKIP_WITHOUT_REAL_TIME();
+    useBox("misbehaviour = \"wrong_parity\"\n");
+    session_.configuration = withLight(command("2", 2) + kInput);
+    session_.quiet = false;
+    LiveGrab grab(session_);
+    grab.waitForLog("pin 1 RX: data 0x00000008 (4 bits) is rejected (too short), parity - FAIL!");
+    grab.waitForMoreFrames(5);
+    finish(grab);
+    EXPECT_EQ(framesWithWord(), std::vector<Json>{});
+    EXPECT_NE(grab.process().standardOutput().find("received  no words\n"), std::string::npos);
+}
+
+TEST_F(SessionIobox, ASilentBoxIsWaitedForInVain)
+{
+    SKIP_WITHOUT_REAL_TIME();
+    useBox("misbehaviour = \"silence\"\n");
+    session_.configuration = withLight(kStrobe + command("2", 2) + kInput + "timeout_polls = 60\n");
+    LiveGrab grab(session_);
+    grab.waitForLog("pin 1 RX: initial waiting is timed out - last lineBit 0");
+    grab.waitForLog(kRestored);
+    grab.waitForMoreFrames(5);
+    finish(grab);
+    EXPECT_EQ(framesWithWord(), std::vector<Json>{});
+}
+
+TEST_F(SessionIobox, EachPassSendsTheCommandAsItIsThen)
+{
+    SKIP_WITHOUT_REAL_TIME();
+    useBox(kNeverAnswers);
+    session_.configuration = withLight(command("2", 2));
+    LiveGrab grab(session_);
+    grab.waitForLog("sent data 0x00000002 (2 bits)");
+    grab.waitForMoreFrames(2); // which give the pin back
+    grab.writeConfiguration(withLight(command("1", 2)));
+    grab.waitForMessage("iobox.word in force from now on");
+    grab.waitForLog("sent data 0x00000001 (2 bits)");
+    grab.waitForMoreFrames(2);
+    grab.writeConfiguration(withLight(command("1", 2), "3 dB"));
+    grab.waitForLog("] Proc IoBox set 0: pin=0 sent data 0x00000001 (2 bits)");
+    grab.waitForLog("enqueue gpio cmd '1'");
+    grab.waitForLog("sent data 0x00000001 (2 bits)");
+    grab.waitForMoreFrames(5);
+    finish(grab);
+    EXPECT_EQ(heard(), (std::vector<std::string>{"command 0x00000002 2", "command 0x00000001 2",
+                                                 "command 0x00000001 2"}))
+        << kxtest::readText(boxLog());
+}
+
+TEST_F(SessionIobox, WithoutTheRightToRealTimeOnlyTheLinesAreMissing)
+{
+    session_.starter = withoutRealTime();
+    if (!runs(session_.starter, {"/bin/true"}) || allowsRealTime(session_.starter)) {
+        GTEST_SKIP() << "the right to real-time threads cannot be taken from a program here";
+    }
+    useBox();
+    session_.configuration = withLight(kStrobe + command("0x392", 10) + kInput);
+    session_.set("grab.frames=10");
+    const kxtest::Finished finished = session_.run();
+    EXPECT_EQ(finished.code, 0);
+    EXPECT_EQ(finished.err,
+              "kxhost: The settings of [[iobox]] will have no effect: this process may not run a "
+              "thread with real-time priority 98 (Operation not permitted). Give it the limit "
+              "rtprio 98, as docs/iobox.md says; the grab goes on without.\n");
+    EXPECT_NE(finished.out.find("Creating ctrl thread..."), std::string::npos);
+    EXPECT_EQ(finished.out.find("grab ctrl thread new:"), std::string::npos);
+    EXPECT_NE(finished.out.find("IoBox settings handler entry: numCfg 3"), std::string::npos);
+    EXPECT_EQ(finished.out.find("set strobe"), std::string::npos);
+    EXPECT_EQ(heard(), std::vector<std::string>{});
+    EXPECT_EQ(session_.frames().size(), 10U);
+    EXPECT_EQ(session_.summary()["lost"]["camera"], 0);
+}
+
+} // namespace
