@@ -27,6 +27,8 @@ Examples:
       A configured grab, with another picture format, until Ctrl-C.
   kxhost check -c camera.toml
       What a configuration says, key by key, and its mistakes.
+  kxhost doctor
+      What this computer lacks for cameras, and the commands that mend it.
   kxhost ctl 1234 reload
       Lets the grab with the process id 1234 read its configuration again.
 
@@ -43,6 +45,8 @@ Exit codes:
   4  no camera in time                  10  the camera library is of another release
   5  the camera failed or was lost          than the plug-in
                                         11  ctl: no grab has that process id
+                                        12  doctor: something has to be mended
+                                        13  doctor: something was not found out
 130 and 143 stand for a second Ctrl-C or SIGTERM, which does not wait for frames to be written.
 )";
 
@@ -75,6 +79,26 @@ constexpr const char* kCtlFooter = R"(
 
 Exit codes: 0 the signal is sent, 2 usage, 11 no grab has that process id, or it belongs to somebody
 else.
+)";
+
+constexpr const char* kDoctorFooter = R"(
+Nothing is changed: a line that begins with "$" is a command for you to run. Verdicts:
+  ok       as it should be
+  warn     some cameras or some uses want more
+  fail     has to be mended
+  skip     does not apply to this computer or these cameras
+  unknown  could not be found out
+
+Examples:
+  kxhost doctor
+      Goes by the USB cameras that are plugged in.
+  kxhost doctor -c camera.toml
+      Goes by the frame size, the buffers and the packet size of a configuration.
+  kxhost doctor --gige --json
+      A computer for GigE cameras, told to a program.
+
+Exit codes: 0 nothing has to be mended, 2 usage, 3 configuration, 12 something has to be mended,
+13 something could not be found out, and nothing else is amiss.
 )";
 
 /// Options that are another way to set a configuration key.
@@ -120,6 +144,7 @@ public:
         addCheck();
         addVersion();
         addCtl();
+        addDoctor();
         app_.add_flag_callback(
             "--version", [] { throw CLI::CallForVersion(); }, "The same as the verb version");
         try {
@@ -196,7 +221,25 @@ private:
             ->check(CLI::Validator(whyNoWord, ""));
     }
 
-    void addConfigurationOptions(CLI::App* app)
+    void addDoctor()
+    {
+        CLI::App* app = addVerb("doctor", Verb::kDoctor,
+                                "What this computer lacks for cameras, and what mends it");
+        app->footer(kDoctorFooter);
+        addConfigurationSource(app);
+        addPluginOptions(app);
+        app->add_flag("--usb", result_.doctor.usb,
+                      "USB cameras are meant, though none is plugged in");
+        app->add_flag("--gige", result_.doctor.gige, "GigE cameras are meant");
+        app->add_flag("--json", result_.doctor.json, "One JSON object instead of a table");
+        app->add_option("--root", result_.doctor.root,
+                        "Look at /sys, /proc, /etc and /dev below this folder, as in an image of "
+                        "another computer")
+            ->type_name("FOLDER")
+            ->check(CLI::Validator(CLI::ExistingDirectory).description(""));
+    }
+
+    void addConfigurationSource(CLI::App* app)
     {
         app->add_option("-c,--config", result_.configuration, "Configuration file (TOML)")
             ->type_name("FILE");
@@ -205,6 +248,11 @@ private:
             ->type_name("SECTION.KEY=VALUE")
             ->expected(1)
             ->take_all();
+    }
+
+    void addConfigurationOptions(CLI::App* app)
+    {
+        addConfigurationSource(app);
         for (const Shorthand& shorthand : kShorthands) {
             addShorthand(app, shorthand, asItIs);
         }

@@ -10,7 +10,15 @@
 
 namespace kxhost {
 
-enum class Verb { kGrab, kList, kCheck, kVersion, kCtl };
+enum class Verb { kGrab, kList, kCheck, kVersion, kCtl, kDoctor };
+
+/// Options of the verb doctor.
+struct DoctorOptions {
+    std::string root;  ///< folder that stands for "/"; empty = this computer
+    bool json = false; ///< for programs
+    bool usb = false;  ///< USB cameras are meant, plugged in or not
+    bool gige = false; ///< GigE cameras are meant
+};
 
 struct CommandLine {
     Verb verb = Verb::kGrab;
@@ -21,6 +29,7 @@ struct CommandLine {
     bool quiet = false;      ///< neither progress nor summary
     int pid = 0;             ///< ctl: the process of a grab
     int signal = 0;          ///< ctl: what to send it
+    DoctorOptions doctor;
 };
 
 /// Reads the command line. On help and on mistakes it writes what there is to say and returns the

@@ -13,6 +13,7 @@ int commandList(const CommandLine& commandLine);
 int commandCheck(const CommandLine& commandLine);
 int commandVersion(const CommandLine& commandLine);
 int commandCtl(const CommandLine& commandLine);
+int commandDoctor(const CommandLine& commandLine);
 
 /// Reads the configuration that the command line asks for; writes its problems, one per line.
 /// Returns false when there are any.

@@ -18,6 +18,8 @@ enum ExitCode : int {
     kExitNoLibrary = 9,     ///< the camera library cannot be loaded
     kExitLibraryAge = 10,   ///< the camera library is of another release than the plug-in
     kExitNoGrab = 11,       ///< ctl: no grab has that process id
+    kExitMend = 12,         ///< doctor: something has to be mended
+    kExitUnchecked = 13,    ///< doctor: something could not be found out, nothing else is amiss
 };
 
 } // namespace kxhost

@@ -25,6 +25,8 @@ int main(int argc, char** argv)
             return commandVersion(*parsed.commandLine);
         case Verb::kCtl:
             return commandCtl(*parsed.commandLine);
+        case Verb::kDoctor:
+            return commandDoctor(*parsed.commandLine);
         }
     } catch (const std::exception& error) {
         complain(error.what());
