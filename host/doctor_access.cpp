@@ -82,12 +82,12 @@ UdevRule readRule(const std::string& file, const std::string& line)
 std::map<std::string, std::string> ruleFiles(const Tree& tree, bool& isTold)
 {
     std::map<std::string, std::string> files;
-    for (const std::string folder : kRuleFolders) {
-        const auto names = tree.names(folder);
+    for (const std::filesystem::path folder : kRuleFolders) {
+        const auto names = tree.names(folder.native());
         isTold = isTold || names.has_value();
         for (const std::string& name : names.value_or(std::vector<std::string>())) {
             if (name.ends_with(".rules")) {
-                files.try_emplace(name, tree.text(folder + "/" + name).value_or(""));
+                files.try_emplace(name, tree.text((folder / name).native()).value_or(""));
             }
         }
     }

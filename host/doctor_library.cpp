@@ -136,8 +136,8 @@ LibraryFacts askChild(const PluginChoice& choice)
 /// The first folder of the tree with such a library.
 std::string findUnseen(const Tree& tree)
 {
-    for (const std::string folder : kOtherFolders) {
-        if (tree.has(folder + "/" + kLibraryName)) {
+    for (const char* const folder : kOtherFolders) {
+        if (tree.has(std::string(folder) + "/" + kLibraryName)) {
             return folder;
         }
     }

@@ -6,7 +6,7 @@
 namespace kxhost {
 namespace {
 
-constexpr std::uint64_t kMega = 1024 * 1024;
+constexpr std::uint64_t kMega = 1048576;
 
 /// Enough for the transfers of one camera of any size, and for two of most.
 constexpr std::uint64_t kUsualMemoryMb = 1000;

@@ -42,12 +42,13 @@ bool isClaimed(const Tree& tree, const std::string& place, const std::vector<std
 /// Whether a file that the process has open is this one; nothing = it cannot be seen.
 std::optional<bool> holds(const Tree& tree, const std::string& process, const std::string& node)
 {
-    const auto files = tree.names(process + "/fd");
+    const std::filesystem::path folder = process + "/fd";
+    const auto files = tree.names(folder.native());
     if (!files) {
         return std::nullopt;
     }
     for (const std::string& file : *files) {
-        if (tree.link(process + "/fd/" + file) == node) {
+        if (tree.link((folder / file).native()) == node) {
             return true;
         }
     }
