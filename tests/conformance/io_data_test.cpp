@@ -80,6 +80,21 @@ TEST_F(IoDataTest, ACommandIsSentOnceAndThePinFreed)
     EXPECT_TRUE(process());
 }
 
+TEST_F(IoDataTest, AnOutputNeedsBothBitsAndAWord)
+{
+    pin(1).mode = 1;
+    pin(1).src = kxtest::kUserData;
+    for (const auto& [bits, word] :
+         std::vector<std::pair<int, std::uint32_t>>{{0, 5}, {8, kUnset}}) {
+        pin(1).bitCount = static_cast<std::uint8_t>(bits);
+        pin(1).dataWord = word;
+        EXPECT_TRUE(process());
+        EXPECT_EQ(pin(1).dataWord, word);
+        EXPECT_FALSE(cam_->lineCmdSent);
+    }
+    EXPECT_THAT(pinWrites(), IsEmpty());
+}
+
 TEST_F(IoDataTest, AnInvertedLineRestsHigh)
 {
     for (const int inv : {1, 2}) {
@@ -192,8 +207,10 @@ TEST_F(IoDataTest, ThePinOfAReplyIsArmedWhenTheCommandIsSent)
 TEST_F(IoDataTest, APinBeforeTheCommandsIsArmedForTheNextPass)
 {
     configureAndApply({reply(kGpio0, -1, 12), command(kGpio1, 2, 1)});
+    pin(0).lastLevel = 1;
     EXPECT_FALSE(process());
     EXPECT_EQ(pin(0).loopsLeft, 10'000U);
+    EXPECT_EQ(pin(0).lastLevel, 0);
     EXPECT_THAT(journal().logsWith("start polling"),
                 ElementsAre(info(" start polling of Pin Line1 with timeout 10000us to get reply")));
 }

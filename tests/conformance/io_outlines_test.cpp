@@ -115,8 +115,26 @@ TEST_F(IoOutlinesTest, NothingIsTakenWhileAConfigurationIsPending)
 
 TEST_F(IoOutlinesTest, AnEntryBecomesARecord)
 {
-    pin(1).loopsLeft = 77;
-    pin(1).bitCount = 8;
+    // Nothing of a record is left out when it is saved.
+    pin(1) = {.expoAtCfgUs = 11,
+              .param0 = 12,
+              .param1 = 13,
+              .dataWord = 14,
+              .loopsLeft = 15,
+              .pulseCount = 16,
+              .idleCount = 17,
+              .activeCount = 18,
+              .bitCount = 19,
+              .bitCountCfg = 20,
+              .pinIndex = 21,
+              .mode = 22,
+              .src = 23,
+              .inv = 24,
+              .idleLevel = 25,
+              .lastLevel = 26,
+              .rxWaitInit = 27,
+              .pinFree = 28,
+              .cfgDirty = 29};
     const std::string before = textOf(pin(1));
     configure({{.pin = kGpio1, .mode = 1, .inv = 2, .src = 3, .par = {100, 2000}}});
     EXPECT_THAT(
@@ -177,6 +195,9 @@ TEST_F(IoOutlinesTest, NothingBecomesPendingWithoutAnAppliedEntry)
 {
     configure({strobe(1, 1, 2), strobe(2, 1, 2)});
     EXPECT_FALSE(cam_->ioCfgPending);
+    // One is enough, wherever it stands.
+    configure({strobe(kGpio0, 1, 2), strobe(2, 1, 2)});
+    EXPECT_TRUE(cam_->ioCfgPending);
 }
 
 TEST_F(IoOutlinesTest, ABusyPinIsLeftAlone)
