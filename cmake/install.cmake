@@ -1,18 +1,31 @@
 # What `cmake --install` puts where. The simulation gets a folder of its own, so that it never shadows
 # the maker's library.
 set(KX_SIM_DIR ${CMAKE_INSTALL_LIBDIR}/driver-pointgrey/sim)
+set(KX_DATA_DIR ${CMAKE_INSTALL_DATADIR}/driver-pointgrey)
 
-install(TARGETS driver_pointgrey LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
+# The plug-in is a program as well.
+install(TARGETS driver_pointgrey LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+        PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE
+                    WORLD_READ WORLD_EXECUTE)
+# The plug-in by its soname, for programs that are linked with it.
+install(FILES ${CMAKE_BINARY_DIR}/libdriver-pointgrey.0 DESTINATION ${CMAKE_INSTALL_LIBDIR})
 install(TARGETS kxhost RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
-if(TARGET flycapture2_sim)
-    install(TARGETS flycapture2_sim LIBRARY DESTINATION ${KX_SIM_DIR})
-endif()
+install(TARGETS flycapture2_sim LIBRARY DESTINATION ${KX_SIM_DIR})
 
-install(DIRECTORY include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/driver-pointgrey
-        FILES_MATCHING PATTERN "*.h")
-install(DIRECTORY examples DESTINATION ${CMAKE_INSTALL_DATADIR}/driver-pointgrey)
-install(DIRECTORY docs/ DESTINATION ${CMAKE_INSTALL_DOCDIR} FILES_MATCHING PATTERN "*.md")
+install(DIRECTORY examples DESTINATION ${KX_DATA_DIR})
+install(DIRECTORY docs/ DESTINATION ${CMAKE_INSTALL_DOCDIR}
+        FILES_MATCHING PATTERN "*.md" PATTERN "kxhost.1.md" EXCLUDE)
 install(FILES README.md CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
-install(FILES ${CMAKE_BINARY_DIR}/man/kxhost.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
-install(FILES ${CMAKE_BINARY_DIR}/man/kxhost.toml.5 ${CMAKE_BINARY_DIR}/man/flycapture2-sim.toml.5
-        DESTINATION ${CMAKE_INSTALL_MANDIR}/man5)
+foreach(page IN LISTS KX_MAN_FILES)
+    string(REGEX MATCH "[0-9]$" section ${page})
+    install(FILES ${page}.gz DESTINATION ${CMAKE_INSTALL_MANDIR}/man${section})
+endforeach()
+
+# What the system around it takes up by itself: these folders are looked at in /usr and /usr/local.
+install(FILES packaging/60-driver-pointgrey.rules DESTINATION lib/udev/rules.d)
+install(FILES packaging/kxhost.bash RENAME kxhost
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
+# Limits are the administrator's to give: an example, to be copied.
+install(FILES packaging/limits.conf DESTINATION ${KX_DATA_DIR})
+
+include(${CMAKE_CURRENT_LIST_DIR}/install_host_package.cmake)

@@ -1,4 +1,5 @@
-# Manual pages, made from the documents of docs/ (target man_pages): BUILD/man/NAME.SECTION.
+# Manual pages, made from the documents of docs/ (target man_pages): BUILD/man/NAME.SECTION, as
+# KX_MAN_FILES lists them, and compressed beside it.
 
 # Takes the first python3 that has the Markdown parser; there may be several in the PATH.
 function(kx_reads_markdown result candidate)
@@ -25,14 +26,15 @@ foreach(entry IN LISTS KX_MAN_PAGES)
     set(page ${CMAKE_MATCH_1})
     set(document ${CMAKE_MATCH_2})
     set(output ${CMAKE_BINARY_DIR}/man/${page})
-    add_custom_command(OUTPUT ${output}
+    add_custom_command(OUTPUT ${output} ${output}.gz
         COMMAND ${CMAKE_COMMAND} -E make_directory ${CMAKE_BINARY_DIR}/man
         COMMAND ${KX_MAN_PYTHON} packaging/man_page.py --page ${page}
                 --release "${PROJECT_NAME} ${PROJECT_VERSION}" --output ${output} ${KX_MAN_PAGES}
+        COMMAND gzip -9 --no-name --keep --force ${output}
         WORKING_DIRECTORY ${PROJECT_SOURCE_DIR}
         DEPENDS ${document} packaging/man_page.py
         COMMENT "Making the manual page ${page}"
         VERBATIM)
-    list(APPEND outputs ${output})
+    list(APPEND KX_MAN_FILES ${output})
 endforeach()
-add_custom_target(man_pages ALL DEPENDS ${outputs})
+add_custom_target(man_pages ALL DEPENDS ${KX_MAN_FILES})

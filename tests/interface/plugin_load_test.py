@@ -20,9 +20,9 @@ EVENT_FUNCTIONS = ("13RegisterEventE", "15DeregisterEventE", "17RegisterAllEvent
 KXHOST_LIBRARY_AGE = 10
 
 
-def build_library(path, source, *flags):
-    """Builds a shared library from C source."""
-    subprocess.run([COMPILER, "-x", "c", "-", "-shared", "-fPIC", *flags, "-o", path], input=source,
+def build_library(path, source, *flags, language="c"):
+    """Builds a shared library from source."""
+    subprocess.run([COMPILER, "-x", language, "-", "-shared", "-fPIC", *flags, "-o", path], input=source,
                    text=True, check=True)
 
 
@@ -57,6 +57,13 @@ class Loading(unittest.TestCase):
 
     def test_loads_into_a_host_with_every_service(self):
         build_host(self.host, self.services)
+        result = self.load(self.host)
+        self.assertEqual((result.returncode, result.stderr), (0, ""))
+
+    def test_loads_into_a_host_of_default_services(self):
+        build_library(self.host, "#include <kx_host_defaults.h>\n", "-std=c++20",
+                      "-I" + os.path.dirname(HOST_HEADER), language="c++")
+        self.assertEqual(elf.exported(self.host) & set(self.services), set(self.services))
         result = self.load(self.host)
         self.assertEqual((result.returncode, result.stderr), (0, ""))
 
