@@ -11,6 +11,7 @@ fail() {
 check_contents() {
     {
         cat "$source/tests/packaging/installed_files.txt"
+        (cd "$source/packaging" && find . -name '*.service' -printf 'lib/systemd/system/%P\n')
         (cd "$source" && printf 'share/driver-pointgrey/%s\n' examples/*.* examples/*/*)
         (cd "$source/docs" && printf 'share/doc/driver-pointgrey/%s\n' *.md) | grep -v kxhost.1.md
         (cd "$source/include" && printf 'include/driver-pointgrey/%s\n' *.h)
