@@ -29,6 +29,8 @@ Examples:
       What a configuration says, key by key, and its mistakes.
   kxhost doctor
       What this computer lacks for cameras, and the commands that mend it.
+  kxhost clock -c camera.toml
+      How fast the camera's clock runs, and what to write into the configuration for it.
   kxhost ctl 1234 reload
       Lets the grab with the process id 1234 read its configuration again.
 
@@ -47,6 +49,7 @@ Exit codes:
                                         11  ctl: no grab has that process id
                                         12  doctor: something has to be mended
                                         13  doctor: something was not found out
+                                        14  clock: the frames do not tell it
 130 and 143 stand for a second Ctrl-C or SIGTERM, which does not wait for frames to be written.
 )";
 
@@ -70,6 +73,22 @@ std::string whyNoWord(const std::string& text)
                ? ""
                : "\"" + text + "\" is unknown, expected finish, reload, lut or lut12";
 }
+
+constexpr const char* kClockFooter = R"(
+Runs the camera as a grab would, writes no pictures, and compares the time that the camera gives each
+frame with its arrival: how fast the camera's clock runs and how well that is known, where either
+clock jumped, whether the camera's wanders, and the value of timestamps.clock_correction for time
+stamps that follow it. A minute will do; the longer, the better. Ctrl-C ends it early, with a report
+on what there is. Do not change the camera's exposure meanwhile. The report is explained in
+docs/clock.md.
+
+Examples:
+  kxhost clock -c camera.toml
+  kxhost clock -c camera.toml --seconds 600 --json --quiet > clock.json
+  kxhost clock --simulate --seconds 5
+
+Exit codes are those of a grab, and 14: too few frames, or the camera embeds no time stamps.
+)";
 
 constexpr const char* kCtlFooter = R"(
   finish   write every frame accepted so far and end (SIGTERM)
@@ -114,9 +133,9 @@ constexpr std::array kShorthands = {
               "Write pictures and metadata there (output.folder)"},
     Shorthand{"--max-losses", "grab.max_losses", "N",
               "Exit code 7 with more lost frames than N (grab.max_losses)"},
-    Shorthand{"--log-level", "log.level", "LEVEL",
-              "off, error, warning, info, debug or trace (log.level)"},
 };
+constexpr Shorthand kLogLevel = {"--log-level", "log.level", "LEVEL",
+                                 "off, error, warning, info, debug or trace (log.level)"};
 constexpr Shorthand kWait = {"--wait", "camera.wait", "SECONDS",
                              "Give up when no camera has come by then (camera.wait)"};
 
@@ -143,6 +162,7 @@ public:
         addList();
         addCheck();
         addVersion();
+        addClock();
         addCtl();
         addDoctor();
         app_.add_flag_callback(
@@ -206,6 +226,23 @@ private:
         addPluginOptions(app);
     }
 
+    void addClock()
+    {
+        constexpr int kDay = 86400;
+        CLI::App* app = addVerb("clock", Verb::kClock, "Measure the camera's clock");
+        app->footer(kClockFooter);
+        addConfigurationSource(app);
+        addLogOptions(app);
+        addShorthand(app, kWait, inSeconds);
+        addPluginOptions(app);
+        app->add_option("--seconds", result_.clock.seconds, "How long to look at the camera")
+            ->type_name("N")
+            ->check(CLI::Range(1, kDay))
+            ->capture_default_str();
+        app->add_flag("--json", result_.clock.json, "Report as JSON");
+        app->add_flag("-q,--quiet", result_.quiet, "No progress");
+    }
+
     void addCtl()
     {
         CLI::App* app = addVerb("ctl", Verb::kCtl, "Steer a grab that runs");
@@ -250,15 +287,21 @@ private:
             ->take_all();
     }
 
+    void addLogOptions(CLI::App* app)
+    {
+        addShorthand(app, kLogLevel, asItIs);
+        app->add_flag_callback(
+            "-v,--verbose", [this] { shorthands_.insert(shorthands_.begin(), "log.level=info"); },
+            "The same as --log-level info");
+    }
+
     void addConfigurationOptions(CLI::App* app)
     {
         addConfigurationSource(app);
         for (const Shorthand& shorthand : kShorthands) {
             addShorthand(app, shorthand, asItIs);
         }
-        app->add_flag_callback(
-            "-v,--verbose", [this] { shorthands_.insert(shorthands_.begin(), "log.level=info"); },
-            "The same as --log-level info");
+        addLogOptions(app);
     }
 
     void addShorthand(CLI::App* app, const Shorthand& shorthand,

@@ -10,7 +10,13 @@
 
 namespace kxhost {
 
-enum class Verb { kGrab, kList, kCheck, kVersion, kCtl, kDoctor };
+enum class Verb { kGrab, kList, kCheck, kVersion, kCtl, kDoctor, kClock };
+
+/// Options of the verb clock.
+struct ClockOptions {
+    int seconds = 60;  ///< how long to look at the camera
+    bool json = false; ///< for programs
+};
 
 /// Options of the verb doctor.
 struct DoctorOptions {
@@ -29,6 +35,7 @@ struct CommandLine {
     bool quiet = false;      ///< neither progress nor summary
     int pid = 0;             ///< ctl: the process of a grab
     int signal = 0;          ///< ctl: what to send it
+    ClockOptions clock;
     DoctorOptions doctor;
 };
 

@@ -12,6 +12,7 @@ int commandGrab(const CommandLine& commandLine);
 int commandList(const CommandLine& commandLine);
 int commandCheck(const CommandLine& commandLine);
 int commandVersion(const CommandLine& commandLine);
+int commandClock(const CommandLine& commandLine);
 int commandCtl(const CommandLine& commandLine);
 int commandDoctor(const CommandLine& commandLine);
 

@@ -20,6 +20,7 @@ enum ExitCode : int {
     kExitNoGrab = 11,       ///< ctl: no grab has that process id
     kExitMend = 12,         ///< doctor: something has to be mended
     kExitUnchecked = 13,    ///< doctor: something could not be found out, nothing else is amiss
+    kExitNoClock = 14,      ///< clock: the frames do not tell the camera's clock
 };
 
 } // namespace kxhost

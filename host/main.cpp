@@ -23,6 +23,8 @@ int main(int argc, char** argv)
             return commandCheck(*parsed.commandLine);
         case Verb::kVersion:
             return commandVersion(*parsed.commandLine);
+        case Verb::kClock:
+            return commandClock(*parsed.commandLine);
         case Verb::kCtl:
             return commandCtl(*parsed.commandLine);
         case Verb::kDoctor:

@@ -2,6 +2,7 @@
 #ifndef KXHOST_SERVICES_H
 #define KXHOST_SERVICES_H
 
+#include "clock_recorder.h"
 #include "config_offer.h"
 #include "export_queue.h"
 #include "frame_memory.h"
@@ -35,6 +36,7 @@ struct HostServices {
     Settings settings;
     const Plugin* plugin = nullptr; ///< not owned; hears of a changed log level; null = nobody does
     ExportQueue* queue = nullptr;   ///< not owned; null = frames are counted and let go
+    ClockRecorder* clock = nullptr; ///< not owned; takes the times of frames; null = nobody does
     PendingSignals signals;
     ConfigOffers offers;
     GrabCounts counts;

@@ -5,12 +5,23 @@
 #include "service_exports.h"
 #include "services.h"
 
+#include <sys/time.h>
+
 using kxhost::services;
 
 namespace {
 
 /// Failed retrievals in a row after which a grab that was asked to finish is not waited for.
 constexpr unsigned kMissingUntilThrow = 2;
+
+/// This computer's clock, which frames are stamped with.
+std::uint64_t sinceEpochUs()
+{
+    timeval now{};
+    gettimeofday(&now, nullptr);
+    return static_cast<std::uint64_t>(now.tv_sec) * 1'000'000U +
+           static_cast<std::uint64_t>(now.tv_usec);
+}
 
 /// Results of a reconfiguration.
 constexpr int kInForce = 0;
@@ -89,6 +100,9 @@ void KxGi__HaltStop(int, int, float)
         host.counts.firstUs = now;
     }
     host.counts.lastUs = now;
+    if (host.clock != nullptr) {
+        host.clock->arrived(sinceEpochUs(), now);
+    }
     if (host.firstFrame) {
         host.firstFrame = false;
         ++host.counts.timing;

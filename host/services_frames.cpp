@@ -176,6 +176,9 @@ void KxSc__ProcExport(uint64_t timestampUs)
         values.configuration = host.generation;
         host.queue->commit(timestampUs, values);
     }
+    if (host.clock != nullptr) {
+        host.clock->stamped(host.scenario.read().cameraTimeUs);
+    }
     ++host.counts.exported;
     countWord(host, values);
     endHandOver(host);

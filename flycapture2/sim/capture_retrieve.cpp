@@ -138,7 +138,9 @@ FrameView Capture::makeView(const ScheduledFrame& frame, unsigned slot)
     view.data = slots_->address(slot);
     view.dataSize = static_cast<unsigned>(device_.format7().frameSize());
     view.receivedDataSize = view.dataSize;
-    view.timeStamp = timeStampOf(device_.cycleTime(frame.times.startUs));
+    if (device_.embedded().timestamp.available) {
+        view.timeStamp = timeStampOf(device_.cycleTime(frame.times.startUs));
+    }
     view.metadata = metadataOf(frame);
     view.blockId = static_cast<unsigned>(frame.number);
     view.owner = slots_;

@@ -65,6 +65,22 @@ TEST_F(SimCapture, TheTimeStampIsTheCameraClockAtTheStartOfExposure)
     EXPECT_EQ(stamp.microSeconds, 0U);
 }
 
+TEST_F(SimCapture, ACameraThatCannotEmbedTheTimeGivesNone)
+{
+    ASSERT_EQ(fcsim::loadBus("[[camera]]\nmodel = \"T\"\nserial = 7001\ninterface = \"usb3\"\n"
+                             "embedded = [\"frameCounter\"]\n"
+                             "[camera.sensor]\nwidth = 64\nheight = 32\n",
+                             "test.toml"),
+              "");
+    ASSERT_EQ(camera.Connect(nullptr).GetType(), PGRERROR_OK);
+    ASSERT_EQ(camera.StartCapture().GetType(), PGRERROR_OK);
+    ASSERT_EQ(retrieve(), PGRERROR_OK);
+    const TimeStamp stamp = image.GetTimeStamp();
+    EXPECT_EQ(stamp.cycleSeconds, 0U);
+    EXPECT_EQ(stamp.cycleCount, 0U);
+    EXPECT_EQ(stamp.cycleOffset, 0U);
+}
+
 TEST_F(SimCapture, AFastCameraClockShortensThePeriodOnTheHost)
 {
     start("[camera.clock]\ndrift_ppm = 1000.0\n");
