@@ -46,7 +46,7 @@ done
 grep -hoE '\./dev [a-z]+' "${documents[@]}" | sed 's/.* //' | sort -u |
     check_words "$("$source/dev" help)"
 sed -n 's/^.*kxhost //p' "${documents[@]}" | grep -oE -e '--[a-z-]+' | sort -u |
-    check_words "$(kxhost --help; for verb in grab list check version ctl doctor; do kxhost "$verb" --help; done)"
+    check_words "$(kxhost --help; for verb in grab list check version ctl doctor clock; do kxhost "$verb" --help; done)"
 
 # Each key that kxhost knows is in the reference.
 kxhost check | sed -n -E 's/^(# )?([a-z_0-9]+)( =|:).*/\2/p' | sort -u >"$scratch/keys"

@@ -9,6 +9,9 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstdint>
+#include <stdexcept>
+#include <string>
 
 namespace {
 
@@ -75,6 +78,59 @@ TEST(TimestampErrorAlone, WrapsOfTheCameraClockLeaveNoTrace)
     const ErrorSummary error = measured(what);
     EXPECT_NEAR(error.mean, -what.exposureUs, kFixedUs);
     EXPECT_LE(error.largest - error.smallest, 4 * kClockStepUs);
+}
+
+/// A minute at 100 frames a second, 300 us of jitter and 1 % spikes.
+TimestampCase clockCase(double driftPpm)
+{
+    TimestampCase what;
+    what.driftPpm = driftPpm;
+    what.jitterUs = 300;
+    what.spikeShare = 0.01;
+    what.spikeUs = 3000;
+    what.frameRate = 100;
+    what.frames = 6000;
+    return what;
+}
+
+kxhost::ClockFit clockOf(const TimestampCase& what)
+{
+    std::string problem;
+    const auto fit = kxhost::fitClock(kxtest::clockSamples(what), problem);
+    if (!fit) {
+        throw std::runtime_error(problem);
+    }
+    return *fit;
+}
+
+class MeasuredClock : public testing::TestWithParam<double> {};
+
+TEST_P(MeasuredClock, AMinuteTellsTheDriftToOnePpmAndTheCorrectionKeepsItOut)
+{
+    TimestampCase what = clockCase(GetParam());
+    const kxhost::ClockFit fit = clockOf(what);
+    EXPECT_NEAR(fit.rateNs, 1000 * GetParam(), 1000);
+    EXPECT_NEAR(fit.rateNs, 1000 * GetParam(), 2 * fit.uncertaintyNs);
+    EXPECT_LT(fit.uncertaintyNs, 500);
+    EXPECT_TRUE(fit.steps.empty());
+    EXPECT_FALSE(fit.wanders);
+
+    what.exposureUs = 1000;
+    what.tsadjns = static_cast<std::int32_t>(kxhost::clockCorrectionNs(fit));
+    EXPECT_LT(std::abs(measured(what).drift), 0.5);
+}
+
+INSTANTIATE_TEST_SUITE_P(Drift, MeasuredClock, testing::Values(0.0, 35.0, -100.0));
+
+TEST(MeasuredClockAlone, AWanderingClockIsFollowed)
+{
+    TimestampCase what = clockCase(35);
+    what.wanderPpm = 5;
+    what.wanderSeconds = 60; // the rate's mean over the minute is that of the drift
+    const kxhost::ClockFit fit = clockOf(what);
+    EXPECT_TRUE(fit.wanders);
+    EXPECT_NEAR(fit.rateNs, 35'000, 1000);
+    EXPECT_NEAR(fit.residual.medianUs, 150, 25);
 }
 
 } // namespace

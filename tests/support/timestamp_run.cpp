@@ -1,9 +1,11 @@
 // Measures how far exported time stamps are from the true starts of exposure.
 #include "timestamp_run.h"
 
+#include "clock_recorder.h"
 #include "journal.h"
 #include "kx_log.h"
 #include "kx_plugin.h"
+#include "kx_scenario.h"
 #include "recording_host.h"
 #include "sim_control.h"
 
@@ -28,8 +30,11 @@ std::string busOf(const TimestampCase& what)
         << "sensor = { width = 64, height = 48, colour = false, frame_rate = " << what.frameRate
         << " }\n"
         << "scene = { kind = \"none\" }\n"
-        << "clock = { offset_us = 1000000.0, drift_ppm = " << what.driftPpm << " }\n"
+        << "clock = { offset_us = 1000000.0, drift_ppm = " << what.driftPpm
+        << ", wander_ppm = " << what.wanderPpm << ", wander_seconds = " << what.wanderSeconds
+        << " }\n"
         << "delivery = { latency_us = " << what.latencyUs << ", jitter_us = " << what.jitterUs
+        << ", spike_share = " << what.spikeShare << ", spike_us = " << what.spikeUs
         << ", seed = 7 }\n"
         << "[camera.properties.SHUTTER]\nvalue = " << what.exposureUs / 1000 << "\n";
     return bus.str();
@@ -48,6 +53,24 @@ void prepare(const TimestampCase& what)
     host().config.tsadjns = what.tsadjns;
 }
 
+/// Runs the plug-in; what it exported is with the host afterwards. Returns the truth on each frame,
+/// first that of the one that is not exported.
+std::vector<fcsim::FrameTruth> runPlugin(const TimestampCase& what)
+{
+    prepare(what);
+    const int code = KxLibProc();
+    std::vector<fcsim::FrameTruth> truth = fcsim::takeTruth(kSerial);
+    const std::size_t exported = host().exports.size();
+    journal().clear();
+    fcsim::useHostClock();
+    if (code != 0 || exported != what.frames || truth.size() != what.frames + 1) {
+        throw std::runtime_error("the run ended with " + std::to_string(code) + " after " +
+                                 std::to_string(exported) + " exported frames of " +
+                                 std::to_string(truth.size()));
+    }
+    return truth;
+}
+
 } // namespace
 
 std::int32_t matchingCorrection(double driftPpm)
@@ -57,23 +80,27 @@ std::int32_t matchingCorrection(double driftPpm)
 
 std::vector<double> timestampErrors(const TimestampCase& what)
 {
-    prepare(what);
-    const int code = KxLibProc();
-    const std::vector<fcsim::FrameTruth> truth = fcsim::takeTruth(kSerial);
+    const std::vector<fcsim::FrameTruth> truth = runPlugin(what);
     const std::vector<Export>& exports = host().exports;
-    journal().clear();
-    fcsim::useHostClock();
-    if (code != 0 || exports.size() != what.frames || truth.size() != what.frames + 1) {
-        throw std::runtime_error("the run ended with " + std::to_string(code) + " after " +
-                                 std::to_string(exports.size()) + " exported frames of " +
-                                 std::to_string(truth.size()));
-    }
     std::vector<double> errors;
     for (std::size_t i = 0; i < exports.size(); ++i) {
         errors.push_back(static_cast<double>(
             static_cast<std::int64_t>(exports[i].timestampUs - truth[i + 1].exposureStartUs)));
     }
     return errors;
+}
+
+std::vector<kxhost::ClockSample> clockSamples(const TimestampCase& what)
+{
+    const std::vector<fcsim::FrameTruth> truth = runPlugin(what);
+    kxhost::ClockRecorder recorder(what.frames);
+    for (std::size_t i = 0; i < host().exports.size(); ++i) {
+        const std::uint64_t arrivalUs = truth[i + 1].arrivalUs;
+        recorder.arrived(arrivalUs, arrivalUs);
+        recorder.stamped(
+            static_cast<std::uint64_t>(host().exports[i].numbers.at(kKxScCameraTimeUs)));
+    }
+    return {recorder.samples().begin(), recorder.samples().end()};
 }
 
 ErrorSummary summarize(const std::vector<double>& errors, double frameRate)

@@ -2,6 +2,8 @@
 #ifndef KX_TEST_TIMESTAMP_RUN_H
 #define KX_TEST_TIMESTAMP_RUN_H
 
+#include "clock_fit.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <vector>
@@ -10,9 +12,13 @@ namespace kxtest {
 
 /// One camera and one way of time stamping.
 struct TimestampCase {
-    double driftPpm = 0;      ///< how much faster than the host's clock the camera's clock runs
-    double latencyUs = 500;   ///< from the end of the transfer to the frame being in host memory
-    double jitterUs = 0;      ///< up to this much is added to it, evenly distributed
+    double driftPpm = 0;  ///< how much faster than the host's clock the camera's clock runs
+    double wanderPpm = 0; ///< how far its rate swings about that
+    double wanderSeconds = 300;
+    double latencyUs = 500; ///< from the end of the transfer to the frame being in host memory
+    double jitterUs = 0;    ///< up to this much is added to it, evenly distributed
+    double spikeShare = 0;  ///< share of frames that are late by `spikeUs` more
+    double spikeUs = 0;
     std::int32_t tsadjns = 0; ///< correction in ns per s; 0 = REGULAR, otherwise REFCAMTS
     double frameRate = 30;
     double exposureUs = 5000;
@@ -26,6 +32,9 @@ std::int32_t matchingCorrection(double driftPpm);
 /// the plug-in in this process, with the simulation's clock driven by hand: no time passes. Throws
 /// std::runtime_error when frames are missing.
 std::vector<double> timestampErrors(const TimestampCase& what);
+
+/// The same run as kxhost clock sees it: arrival and camera's time of each exported frame.
+std::vector<kxhost::ClockSample> clockSamples(const TimestampCase& what);
 
 /// What the errors of a run come to.
 struct ErrorSummary {
