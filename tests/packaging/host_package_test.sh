@@ -37,7 +37,7 @@ interface = "usb3"
 [camera.sensor]
 width = 160
 height = 120
-frame_rate = 500
+frame_rate = 100
 noise = false
 END
 export FLYCAPTURE2_SIM_BUS=$scratch/bus.toml
@@ -46,14 +46,14 @@ mkdir "$scratch/pictures"
 "$host" "$plugin" "$simulation" "$scratch/pictures" >"$scratch/said" || fail "$(cat "$scratch/said")"
 grep -q -x "10 pictures in $scratch/pictures" "$scratch/said" || fail "$(cat "$scratch/said")"
 python3 - "$scratch/pictures" <<'END' || fail "the pictures are not what the camera sees"
-import pathlib, re, sys
+import pathlib, re, sys, time
 pictures = [path.read_bytes() for path in sorted(pathlib.Path(sys.argv[1]).glob("*.pgm"))]
 assert len(pictures) == 10, len(pictures)
 heads = [re.fullmatch(rb"P5\n# exposed at (\d+) us\n160 120\n255\n(.*)", picture, re.S)
          for picture in pictures]
 assert all(heads)
 times = [int(head[1]) for head in heads]
-assert times == sorted(set(times)), times
+assert all(abs(instant / 1e6 - time.time()) < 600 for instant in times), times
 pixels = [head[2] for head in heads]
 assert all(len(picture) == 160 * 120 for picture in pixels)
 assert all(len(set(picture)) > 10 for picture in pixels), "a picture is empty"
