@@ -1,15 +1,20 @@
-// Runs the grab loop, whole or bare, for a number of frames: the program to count instructions in.
+// Runs the grab loop, whole, bare, or beside a control thread, for a number of frames: the program
+// to count instructions in.
 #include "bare_loop.h"
 #include "bench_host.h"
+#include "kx_pg_cthr.h"
 
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
+#include <optional>
+#include <string_view>
 
 int main(int argc, char** argv)
 {
-    if (argc != 3 || (std::strcmp(argv[1], "whole") != 0 && std::strcmp(argv[1], "bare") != 0)) {
-        std::fprintf(stderr, "usage: plugin_loop whole|bare FRAMES\n");
+    const std::string_view kind = argc > 2 ? argv[1] : "";
+    const bool isBeside = argc == 4 && std::string_view(argv[3]) == "beside";
+    if ((kind != "whole" && kind != "bare") || (argc != 3 && !isBeside)) {
+        std::fprintf(stderr, "usage: plugin_loop whole|bare FRAMES [beside]\n");
         return 2;
     }
     kxbench::loadCamera(640, 480);
@@ -19,8 +24,16 @@ int main(int argc, char** argv)
     if (kxbench::runWholeLoop(open) != 0) {
         return 1;
     }
+    std::optional<KxPGrey::CCamCtrlThread> control;
+    if (isBeside) {
+        control.emplace().CtrlThreadStart(&open.camera);
+        if (!open.camera.ctrlThread) {
+            std::fprintf(stderr, "plugin_loop: real-time threads are not allowed here\n");
+            return 3;
+        }
+    }
     kxbench::prepareHost(1, static_cast<std::uint32_t>(std::strtoul(argv[2], nullptr, 10)));
-    if (std::strcmp(argv[1], "bare") == 0) {
+    if (kind == "bare") {
         kxbench::runBareLoop(open);
         return 0;
     }
