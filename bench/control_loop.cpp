@@ -1,7 +1,7 @@
 // Period, jitter and processor time of the control thread's loop, beside a bare loop of the same
 // policy that samples the line and sleeps as long.
 //
-// Both poll the same simulated camera in turn, with an idle machine and beside two threads that
+// Both poll the same simulated camera in turn, without a load and beside two threads that
 // copy memory. The quietest of several rounds counts, since whatever else the machine does only
 // adds.
 #include "line_camera.h"
@@ -113,14 +113,14 @@ void keepQuieter(std::optional<Loop>& best, const Loop& loop)
     }
 }
 
-void print(const char* machine, const char* name, const Loop& loop)
+void print(const char* load, const char* name, const Loop& loop)
 {
-    std::printf("| %s | %s | %.0f | %.0f | %.0f | %.0f | %.2f |\n", machine, name, loop.p50(),
+    std::printf("| %s | %s | %.0f | %.0f | %.0f | %.0f | %.2f |\n", load, name, loop.p50(),
                 loop.p99(), loop.periods.quantile(1), loop.jitter(), 100 * loop.cpuShare);
 }
 
 /// False when there are no real-time threads.
-bool compare(const char* machine, const Length& length)
+bool compare(const char* load, const Length& length)
 {
     std::optional<Loop> control;
     std::optional<Loop> bare;
@@ -133,11 +133,10 @@ bool compare(const char* machine, const Length& length)
         keepQuieter(control, *nextControl);
         keepQuieter(bare, *nextBare);
     }
-    print(machine, "control", *control);
-    print(machine, "bare", *bare);
-    const double ratio = control->p99() / bare->p99();
-    std::printf("p99 of the period, control to bare loop, %s: %.3f (aim at most %.1f)\n", machine,
-                ratio, kAimRatio);
+    print(load, "control", *control);
+    print(load, "bare", *bare);
+    std::printf("| %s | control to bare | %.3f | %.3f (aim at most %.1f) | | | |\n", load,
+                control->p50() / bare->p50(), control->p99() / bare->p99(), kAimRatio);
     return true;
 }
 
@@ -147,15 +146,15 @@ int main(int argc, char** argv)
 {
     const bool isShort = kxbench::isShortForm(argc, argv);
     const Length length = isShort ? Length{1, 100} : Length{8, 1000};
-    std::puts("| machine | loop | period p50 us | p99 us | longest us | jitter p99 us | "
+    std::puts("| load | loop | period p50 us | p99 us | longest us | jitter p99 us | "
               "processor % |\n"
               "| --- | --- | --- | --- | --- | --- | --- |");
-    if (!compare("idle", length)) {
+    if (!compare("no load", length)) {
         std::puts("not measured: real-time threads are not allowed here (SCHED_FIFO)");
         return 0;
     }
     if (const auto share = idleShare(isShort ? 2e5 : 4e6)) {
-        std::printf("| idle | control, nothing configured | | | | | %.2f |\n", 100 * *share);
+        std::printf("| no load | control, nothing configured | | | | | %.2f |\n", 100 * *share);
     }
     const kxbench::CopyLoad load;
     compare("copying", length);

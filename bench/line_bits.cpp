@@ -1,5 +1,5 @@
 // Bits of words that do not arrive: commands to a simulated I/O box and its replies, by the control
-// thread and by a bare loop of the same policy, on an idle machine and beside two threads that copy
+// thread and by a bare loop of the same policy, without a load and beside two threads that copy
 // memory.
 #include "kx_pg_line_code.h"
 #include "kx_pg_line_rx.h"
@@ -146,20 +146,20 @@ std::optional<Count> byBareLoop(unsigned words)
     return ran ? std::optional(total) : std::nullopt;
 }
 
-void print(const char* machine, const char* loop, const std::optional<Count>& count)
+void print(const char* load, const char* loop, const std::optional<Count>& count)
 {
     if (!count) {
         std::puts("not measured: real-time threads are not allowed here (SCHED_FIFO)");
         return;
     }
-    std::printf("| %s | %s | %u | %u | %u | %u |\n", machine, loop, count->words,
+    std::printf("| %s | %s | %u | %u | %u | %u |\n", load, loop, count->words,
                 count->words * kCommandBits, count->commandErrors, count->replyErrors);
 }
 
-void compare(const char* machine, unsigned words)
+void compare(const char* load, unsigned words)
 {
-    print(machine, "control", byControlThread(words));
-    print(machine, "bare", byBareLoop(words));
+    print(load, "control", byControlThread(words));
+    print(load, "bare", byBareLoop(words));
 }
 
 } // namespace
@@ -167,9 +167,9 @@ void compare(const char* machine, unsigned words)
 int main(int argc, char** argv)
 {
     const unsigned words = kxbench::isShortForm(argc, argv) ? 1 : 25;
-    std::puts("| machine | loop | words | bits each way | wrong in commands | wrong in replies |\n"
+    std::puts("| load | loop | words | bits each way | wrong in commands | wrong in replies |\n"
               "| --- | --- | --- | --- | --- | --- |");
-    compare("idle", words);
+    compare("no load", words);
     const kxbench::CopyLoad load;
     compare("copying", words);
     return 0;

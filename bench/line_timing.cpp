@@ -65,16 +65,16 @@ bool sendWords(Lateness& late, unsigned registerUs, unsigned words)
 }
 
 /// Prints one kind of pause; false when one of them was early by more than it may be.
-bool print(const char* machine, unsigned registerUs, const char* what, const Times& late,
+bool print(const char* load, unsigned registerUs, const char* what, const Times& late,
            double earlyUs = 0)
 {
-    std::printf("| %s | %u | %s | %.0f | %.0f | %.0f | %.0f |\n", machine, registerUs, what,
+    std::printf("| %s | %u | %s | %.0f | %.0f | %.0f | %.0f |\n", load, registerUs, what,
                 late.quantile(0), late.median(), late.quantile(0.99), late.quantile(1));
     return late.quantile(0) >= -earlyUs - kResolutionUs;
 }
 
 /// False when a pause was too short.
-bool sendAll(const char* machine, unsigned words)
+bool sendAll(const char* load, unsigned words)
 {
     bool isKept = true;
     for (const unsigned registerUs : {0U, 30U, 900U, 1500U}) {
@@ -84,11 +84,11 @@ bool sendAll(const char* machine, unsigned words)
             return true;
         }
         const unsigned shortestUs = registerUs + kShortestUs;
-        isKept = print(machine, registerUs, "half period", late.halfPeriods,
+        isKept = print(load, registerUs, "half period", late.halfPeriods,
                        std::max(kHalfPeriodUs, shortestUs) - shortestUs) &&
                  isKept;
-        isKept = print(machine, registerUs, "gap", late.gaps) && isKept;
-        isKept = print(machine, registerUs, "end", late.ends) && isKept;
+        isKept = print(load, registerUs, "gap", late.gaps) && isKept;
+        isKept = print(load, registerUs, "end", late.ends) && isKept;
     }
     return isKept;
 }
@@ -98,9 +98,9 @@ bool sendAll(const char* machine, unsigned words)
 int main(int argc, char** argv)
 {
     const unsigned words = kxbench::isShortForm(argc, argv) ? 1 : 20;
-    std::puts("| machine | register us | pause | least late us | median | p99 | most |\n"
+    std::puts("| load | register us | pause | least late us | median | p99 | most |\n"
               "| --- | --- | --- | --- | --- | --- | --- |");
-    const bool isKept = sendAll("idle", words);
+    const bool isKept = sendAll("no load", words);
     const kxbench::CopyLoad load;
     return sendAll("copying", words) && isKept ? 0 : 1;
 }
