@@ -217,7 +217,7 @@ private:
             weights += weight;
             sum += weight * rate.line.slope;
         }
-        fit_.rateNs = -sum / weights * kNsPerUs;
+        fit_.rateNs = 0 - sum / weights * kNsPerUs; // no -0
         fit_.uncertaintyNs = std::sqrt(1 / weights) * kNsPerUs;
     }
 
@@ -277,7 +277,7 @@ std::optional<ClockFit> fitClock(std::span<const ClockSample> samples, std::stri
         problem = "all frames arrived at the same time";
         return std::nullopt;
     }
-    const std::optional<ClockFit> fit = Analysis(samples).run();
+    std::optional<ClockFit> fit = Analysis(samples).run();
     if (!fit) {
         problem = "the clocks step too often to tell a rate";
     }
