@@ -6,6 +6,7 @@
 
 #include <mutex>
 #include <stdexcept>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -107,7 +108,8 @@ void WatchedCall::record() const
     Watch& all = watch();
     const std::lock_guard lock(all.mutex);
     if (all.recording) {
-        all.calls.push_back({call_.object, call_.operation, arguments_, result_});
+        all.calls.push_back({call_.object, call_.operation, arguments_, result_,
+                             std::this_thread::get_id()});
     }
 }
 

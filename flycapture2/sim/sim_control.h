@@ -11,6 +11,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <thread>
 #include <vector>
 
 namespace fcsim {
@@ -45,6 +46,7 @@ struct Call {
     std::string operation;         ///< name of the member function, e.g. "ReadRegister"
     std::string arguments;         ///< e.g. "0x1EA8", "GAIN abs=3.5 on"; empty where there are none
     FlyCapture2::ErrorType result; ///< what was answered
+    std::thread::id thread{};      ///< that made it
 };
 /// Starts an empty record; `takeCalls` returns what has come together since, and empties it.
 FCSIM_API void recordCalls(bool on);

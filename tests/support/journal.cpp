@@ -20,8 +20,8 @@ std::string Event::line() const
 void Journal::takeSdkCalls()
 {
     for (const fcsim::Call& call : fcsim::takeCalls()) {
-        events_.push_back(
-            {Kind::sdk, call.object + "." + call.operation, call.arguments, call.result});
+        events_.push_back({Kind::sdk, call.object + "." + call.operation, call.arguments,
+                           call.result, call.thread});
     }
 }
 

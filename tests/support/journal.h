@@ -8,6 +8,7 @@
 #include <mutex>
 #include <string>
 #include <string_view>
+#include <thread>
 #include <vector>
 
 namespace kxtest {
@@ -27,9 +28,10 @@ inline constexpr const char* kNoLineEnd = "(no line end)";
 /// One thing that happened.
 struct Event {
     Kind kind = Kind::host;
-    std::string name;      ///< function; of an SDK call with its object: "Camera.ReadRegister"
-    std::string arguments; ///< separated by ", "; of a log line its text without the line's end
-    int result = 0;        ///< of an SDK call its ErrorType, of a log line its priority
+    std::string name;         ///< function; of an SDK call with its object: "Camera.ReadRegister"
+    std::string arguments;    ///< separated by ", "; of a log line its text without the line's end
+    int result = 0;           ///< of an SDK call its ErrorType, of a log line its priority
+    std::thread::id thread{}; ///< that made it; only of an SDK call
 
     /// "name(arguments)"; of a log line "<priority> text".
     std::string line() const;
