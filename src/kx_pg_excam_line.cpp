@@ -1,7 +1,7 @@
 // The plug-in's camera: square waves and data words on a pin, timed by software.
-#include "kx_host.h"
 #include "kx_pg_excam.h"
 #include "kx_pg_line_code.h"
+#include "kx_pg_time_difference.h"
 
 #include <algorithm>
 
@@ -34,7 +34,7 @@ void pauseAtLeast1ms(std::int64_t us)
 /// counts.
 void pauseFor(unsigned int us, const timeval& since, const timeval& now)
 {
-    pauseAtLeast1ms(std::int64_t{us} - KxUtl__TimeValDiff(&now, &since)->tv_usec);
+    pauseAtLeast1ms(std::int64_t{us} - differenceUs(now, since));
 }
 
 /// Writes the transitions of one symbol; true when all of them were written, the last one by the

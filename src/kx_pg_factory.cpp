@@ -27,6 +27,9 @@ struct Flat {
 
 Flat walkSlots(unsigned int askedSize, unsigned int count)
 {
+    // A host may claim any number of slots: of a pool that is not flat, no more than these are
+    // shown, and none behind one that is not there.
+    constexpr unsigned int kShown = 1000;
     Flat flat;
     std::uintptr_t previous = 0;
     for (unsigned int index = 0; index < count; ++index) {
@@ -42,6 +45,9 @@ Flat walkSlots(unsigned int askedSize, unsigned int count)
         }
         if (index > 0) {
             flat.found = flat.found && address > previous && step >= askedSize && step == flat.step;
+        }
+        if (!flat.found && (slot == nullptr || index >= kShown)) {
+            break;
         }
         previous = address;
     }

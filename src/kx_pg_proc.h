@@ -75,7 +75,7 @@ enum DynLutMode : std::uint32_t {
     kDynLutWideDone = 7, ///< calculated, 8 bits are to be restored
 };
 
-/// Releases blocks from malloc.
+/// Releases blocks from calloc.
 struct FreeBlock {
     void operator()(void* block) const { std::free(block); }
 };

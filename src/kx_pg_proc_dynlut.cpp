@@ -48,12 +48,13 @@ Next start(CCamProc& proc, CExCam& cam)
     return {kDynLutCalculate};
 }
 
-/// An array of 2^`bits` entries that are not set, or nothing when there is no memory.
+/// An array of 2^`bits` entries, or nothing when there is no memory. They are 0, for hosts that
+/// leave them as they are.
 template <typename T>
 std::unique_ptr<T, FreeBlock> allocate(unsigned int bits)
 {
     return std::unique_ptr<T, FreeBlock>(
-        static_cast<T*>(std::malloc((std::size_t{1} << bits) * sizeof(T))));
+        static_cast<T*>(std::calloc(std::size_t{1} << bits, sizeof(T))));
 }
 
 /// Makes those arrays that are missing or too small for the pixel format. Returns whether both are

@@ -8,6 +8,7 @@
 #include "kx_pg_shared.h"
 #include "kx_pg_sizes.h"
 #include "kx_pg_temperature.h"
+#include "kx_pg_time_difference.h"
 #include "kx_scenario.h"
 
 #include <ctime>
@@ -60,7 +61,7 @@ std::uint64_t microseconds(const timeval& time)
 /// The microseconds of a difference; its whole seconds do not count.
 std::uint32_t difference(const timeval& later, const timeval& earlier)
 {
-    _S_gtvd = *KxUtl__TimeValDiff(&later, &earlier);
+    _S_gtvd = timeDifference(later, earlier);
     return static_cast<std::uint32_t>(_S_gtvd.tv_usec);
 }
 
@@ -151,6 +152,16 @@ int GrabLoop::run()
     return finish(grabGuarded());
 }
 
+/// Whether the camera is still there. Of one that is gone the library may throw even when asked.
+bool isThere(CExCam& cam)
+{
+    try {
+        return cam.IsConnected();
+    } catch (const std::exception&) {
+        return false;
+    }
+}
+
 int GrabLoop::grabGuarded()
 {
     try {
@@ -160,7 +171,7 @@ int GrabLoop::grabGuarded()
         }
         return *exitCode;
     } catch (const std::exception& exception) {
-        if (cam_.IsConnected()) {
+        if (isThere(cam_)) {
             KX_LOG_W_AS(kCaller, "An unhandled exception occured (%i): %s\n", kGrabFailed,
                         exception.what());
         } else {

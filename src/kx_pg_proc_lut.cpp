@@ -3,6 +3,7 @@
 #include "kx_log.h"
 #include "kx_pg_lut.h"
 #include "kx_pg_proc.h"
+#include "kx_pg_time_difference.h"
 
 #include <sys/time.h>
 
@@ -118,7 +119,7 @@ void apply(CCamProc& proc, CExCam& cam, const std::uint16_t* source, bool dynami
     if (load(cam, values, proc.isColor ? 3 : 1)) {
         timeval end = {};
         gettimeofday(&end, nullptr);
-        const auto spentUs = static_cast<unsigned int>(KxUtl__TimeValDiff(&end, &begin)->tv_usec);
+        const unsigned int spentUs = differenceUs(end, begin);
         KX_LOG_I("LUT handler exit (nValues = %u, nCfgVals = %u, time = %uus)\n", kCount, kCount,
                  spentUs);
     }

@@ -2,6 +2,7 @@
 #include "kx_host.h"
 #include "kx_log.h"
 #include "kx_pg_proc.h"
+#include "kx_pg_time_difference.h"
 
 #include <utility>
 
@@ -36,7 +37,7 @@ public:
     {
         timeval now = {};
         gettimeofday(&now, nullptr);
-        return static_cast<unsigned int>(KxUtl__TimeValDiff(&now, &begin_)->tv_usec);
+        return differenceUs(now, begin_);
     }
 
 private:

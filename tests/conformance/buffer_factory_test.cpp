@@ -11,6 +11,7 @@ using kxtest::info;
 using kxtest::journal;
 using testing::ElementsAre;
 using testing::IsEmpty;
+using testing::SizeIs;
 
 namespace {
 
@@ -133,6 +134,33 @@ INSTANTIATE_TEST_SUITE_P(
                     BadPool{"Falling", {0, -4096}}, BadPool{"TurningBack", {0, 4096, 0}},
                     BadPool{"SameAddress", {0, 0}}, BadPool{"TooFarApart", {0, 0x100001000}}),
     [](const auto& one) { return std::string(one.param.name); });
+
+TEST_F(BufferFactoryTest, IsNotHeldUpByACountThatIsNotTrue)
+{
+    constexpr unsigned kAnyNumber = 0xFFFFFFFF;
+    unsigned size = 4000;
+    // Slots as far as there are any, and the one that is not there.
+    setSlots({0, 4096});
+    EXPECT_EQ(factory_.GetBuffer(&size, kAnyNumber), nullptr);
+    EXPECT_EQ(journal().count("KxGiMem__GetBufPtr"), 1U + 3U);
+    EXPECT_THAT(journal().logsWith("AllocBuffer: "), SizeIs(3));
+    // The same few again and again.
+    host().bufPtr = [](std::uint32_t index) { return address(index % 2 * 4096); };
+    journal().clear();
+    EXPECT_EQ(factory_.GetBuffer(&size, kAnyNumber), nullptr);
+    EXPECT_THAT(journal().logsWith("AllocBuffer: "), SizeIs(1001));
+    EXPECT_THAT(journal().logsWith("Allocated buffer flat is incorrect !"), SizeIs(1));
+}
+
+TEST_F(BufferFactoryTest, ShowsAllSlotsOfAFlatPool)
+{
+    host().bufPtr = [](std::uint32_t index) {
+        return address(static_cast<std::ptrdiff_t>(index) * 4096);
+    };
+    unsigned size = 4000;
+    EXPECT_EQ(factory_.GetBuffer(&size, 3000), address(0));
+    EXPECT_THAT(journal().logsWith("AllocBuffer: "), SizeIs(3000));
+}
 
 TEST_F(BufferFactoryTest, StartsEmpty)
 {

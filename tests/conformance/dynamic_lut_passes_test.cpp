@@ -6,6 +6,8 @@
 #include <numeric>
 #include <stdexcept>
 
+#include <malloc.h>
+
 using kxtest::format;
 using kxtest::host;
 using kxtest::info;
@@ -102,6 +104,18 @@ TEST_F(LutPassTest, TakesOneFrameWithTheTableOff)
     EXPECT_THAT(cam_->luts, SizeIs(1));
     EXPECT_TRUE(isOn());
     EXPECT_THAT(host().exports, SizeIs(4));
+}
+
+TEST_F(LutPassTest, LoadsZerosOfAHostThatCalculatesNothing)
+{
+    host().calcLut = nullptr;
+    host().getLut = nullptr;
+    // New memory of the C library is not zero now.
+    mallopt(M_PERTURB, 0x5A);
+    EXPECT_EQ(grabOnce(3, {{2, 3}}), 0);
+    mallopt(M_PERTURB, 0);
+    ASSERT_THAT(cam_->luts, SizeIs(1));
+    EXPECT_THAT(cam_->luts[0].entries, Each(0U));
 }
 
 TEST_F(LutPassTest, WorksASecondTime)

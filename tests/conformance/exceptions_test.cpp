@@ -59,6 +59,14 @@ TEST_F(ExceptionsTest, EndTheGrabOfADetachedCamera)
     expectEnded("The device detach triggered an exception (-10): device gone");
 }
 
+TEST_F(ExceptionsTest, OfALibraryThatThrowsWhenAskedForTheCameraTellOfADetach)
+{
+    throwIn("RetrieveBuffer", 3, "device gone", true);
+    throwIn("IsConnected", 1, "not even this", false); // the configuration asks once
+    EXPECT_EQ(grab(10), -10);
+    expectEnded("The device detach triggered an exception (-10): device gone");
+}
+
 TEST_F(ExceptionsTest, AreTakenFromEveryStepOfTheLoop)
 {
     for (const char* const operation : {"ReadRegister", "GetStats", "GetProperty"}) {
