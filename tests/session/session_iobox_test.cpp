@@ -20,6 +20,11 @@ constexpr const char* kStrobeOn =
     "### set strobe on pin 0: onOff=1 (delay=0.500000, duration=1.000000, polarity=1) ###";
 /// What these tests do not send.
 constexpr const char* kNeverAnswers = "[[camera.io_box.reply]]\ncommand = 77\nword = 1\nbits = 2\n";
+constexpr const char* kNoRealTime =
+    "kxhost: The settings of [[iobox]] will have no effect: this process may not run a thread with "
+    "real-time priority 98 (Operation not permitted). Give it the limit rtprio 98, as "
+    "docs/iobox.md "
+    "says; the grab goes on without.";
 constexpr const char* kRestored = "restored strob";
 
 std::string command(const std::string& word, unsigned bits)
@@ -58,7 +63,7 @@ std::vector<std::string> withoutRealTime()
 }
 
 /// A camera of 60 frames a second whose pins 0 and 1 lead to an I/O box.
-class SessionIobox : public testing::Test {
+class IoboxTest : public testing::Test {
 protected:
     /// `keys` are further ones of the box. Paced frames are lost on a busy machine by who has no
     /// real time.
@@ -74,11 +79,22 @@ protected:
         session_.set("output.format=none");
     }
 
-    /// Also keeps a busy machine from slowing the grab down, by real time for it, too.
-    static bool cannotRun(GrabSession& session)
+    /// Runs an example on its bus to its end.
+    kxtest::Finished runExample(const std::string& name)
     {
-        session.starter = {"/usr/bin/chrt", "--fifo", "10"};
-        return !allowsRealTime();
+        const std::string examples = KX_TEST_EXAMPLES "/";
+        const std::string log = "log = \"io-box.log\"";
+        session_.bus = kxtest::readText(examples + "io-box.toml");
+        const std::size_t place = session_.bus.find(log);
+        EXPECT_NE(place, std::string::npos);
+        session_.bus.replace(place, log.size(), "log = \"" + boxLog() + "\"");
+        session_.settings = {"log.level=info", "output.format=none"};
+        session_.arguments = {"-c", examples + name};
+        kxtest::Finished finished = session_.run();
+        EXPECT_EQ(finished.code, 0);
+        EXPECT_EQ(finished.err, "");
+        EXPECT_EQ(kxtest::expectNothingLost(session_), 0U);
+        return finished;
     }
 
     std::string boxLog() const { return session_.folder().file("box.log"); }
@@ -114,11 +130,26 @@ protected:
     GrabSession session_;
 };
 
-#define SKIP_WITHOUT_REAL_TIME()                                                                   \
-    if (cannotRun(session_)) {                                                                     \
-        GTEST_SKIP() << "threads with real-time priority are not allowed here";                    \
-    }                                                                                              \
-    static_assert(true)
+/// With real time, for the grab too, so that a busy machine does not slow it down.
+class SessionIobox : public IoboxTest {
+    void SetUp() override
+    {
+        session_.starter = {"/usr/bin/chrt", "--fifo", "10"};
+        if (!allowsRealTime()) {
+            GTEST_SKIP() << "threads with real-time priority are not allowed here";
+        }
+    }
+};
+
+class SessionIoboxWithoutRight : public IoboxTest {
+    void SetUp() override
+    {
+        session_.starter = withoutRealTime();
+        if (!runs(session_.starter, {"/bin/true"}) || allowsRealTime(session_.starter)) {
+            GTEST_SKIP() << "the right to real-time threads cannot be taken from a program here";
+        }
+    }
+};
 
 bool hasWord(const Json& frame)
 {
@@ -127,7 +158,6 @@ bool hasWord(const Json& frame)
 
 TEST_F(SessionIobox, AReplyComesWithAFrameAndTheStrobeComesBack)
 {
-    SKIP_WITHOUT_REAL_TIME();
     useBox("[[camera.io_box.reply]]\ncommand = 914\nword = 0x155\nbits = 10\n");
     session_.configuration = withLight(kStrobe + command("0x392", 10) + kInput);
     session_.quiet = false;
@@ -155,7 +185,6 @@ TEST_F(SessionIobox, AReplyComesWithAFrameAndTheStrobeComesBack)
 
 TEST_F(SessionIobox, AStrobeAloneIsSetAtTheStart)
 {
-    SKIP_WITHOUT_REAL_TIME();
     useBox();
     session_.configuration = withLight(kStrobe);
     session_.quiet = false;
@@ -169,7 +198,6 @@ TEST_F(SessionIobox, AStrobeAloneIsSetAtTheStart)
 
 TEST_F(SessionIobox, ACommandNeedsNoReply)
 {
-    SKIP_WITHOUT_REAL_TIME();
     useBox(kNeverAnswers);
     session_.configuration = withLight(command("0b101", 3));
     LiveGrab grab(session_);
@@ -183,7 +211,6 @@ TEST_F(SessionIobox, ACommandNeedsNoReply)
 
 TEST_F(SessionIobox, AReplyOfWrongParityIsRejected)
 {
-    SKIP_WITHOUT_REAL_TIME();
     useBox("misbehaviour = \"wrong_parity\"\n");
     session_.configuration = withLight(command("2", 2) + kInput);
     session_.quiet = false;
@@ -197,7 +224,6 @@ TEST_F(SessionIobox, AReplyOfWrongParityIsRejected)
 
 TEST_F(SessionIobox, ASilentBoxIsWaitedForInVain)
 {
-    SKIP_WITHOUT_REAL_TIME();
     useBox("misbehaviour = \"silence\"\n");
     session_.configuration = withLight(kStrobe + command("2", 2) + kInput + "timeout_polls = 60\n");
     LiveGrab grab(session_);
@@ -210,7 +236,6 @@ TEST_F(SessionIobox, ASilentBoxIsWaitedForInVain)
 
 TEST_F(SessionIobox, EachPassSendsTheCommandAsItIsThen)
 {
-    SKIP_WITHOUT_REAL_TIME();
     useBox(kNeverAnswers);
     session_.configuration = withLight(command("2", 2));
     LiveGrab grab(session_);
@@ -231,21 +256,60 @@ TEST_F(SessionIobox, EachPassSendsTheCommandAsItIsThen)
         << kxtest::readText(boxLog());
 }
 
-TEST_F(SessionIobox, WithoutTheRightToRealTimeOnlyTheLinesAreMissing)
+/// The plug-in leaves an input alone that only has other parameters, so the grab starts again.
+TEST_F(SessionIobox, AnInputTakesOtherParametersWithAReload)
 {
-    session_.starter = withoutRealTime();
-    if (!runs(session_.starter, {"/bin/true"}) || allowsRealTime(session_.starter)) {
-        GTEST_SKIP() << "the right to real-time threads cannot be taken from a program here";
-    }
+    useBox(kNeverAnswers);
+    session_.configuration = withLight(kInput + std::string("timeout_polls = 60\n"));
+    LiveGrab grab(session_);
+    grab.waitForLog("user input with timeout '60'");
+    grab.waitForMoreFrames(2);
+    grab.writeConfiguration(withLight(kInput + std::string("timeout_polls = 70\n")));
+    grab.waitForMessage("iobox.timeout_polls takes a reload");
+    grab.signal(SIGHUP);
+    grab.waitForMessage("the grab ends and starts again with it");
+    grab.waitForLog("user input with timeout '70'");
+    grab.waitForMoreFrames(2);
+    EXPECT_EQ(grab.finish(), 0);
+    EXPECT_EQ(kxtest::expectNothingLost(session_), 1U);
+}
+
+TEST_F(SessionIobox, TheExampleOfAStrobeSetsIt)
+{
+    const std::string out = runExample("strobe.toml").out;
+    EXPECT_NE(out.find("### set strobe on pin 2: onOff=1 (delay=0.500000, duration=2.000000, "
+                       "polarity=1) ###"),
+              std::string::npos)
+        << out;
+    EXPECT_EQ(heard(), std::vector<std::string>{});
+}
+
+TEST_F(SessionIobox, TheExampleOfACommandSendsIt)
+{
+    runExample("command.toml");
+    ASSERT_FALSE(heard().empty());
+    EXPECT_EQ(heard()[0], "command 0x00000392 10");
+    EXPECT_EQ(framesWithWord(), std::vector<Json>{});
+}
+
+TEST_F(SessionIobox, TheExampleOfAReplyHasItInTheMetadata)
+{
+    const std::string out = runExample("command-reply.toml").out;
+    const std::vector<Json> frames = framesWithWord();
+    ASSERT_EQ(frames.size(), 1U);
+    EXPECT_EQ(frames[0]["rx_data"], 0x155);
+    EXPECT_EQ(frames[0]["rx_bits"], 10);
+    EXPECT_NE(out.find("### set strobe on pin 0: onOff=1"), std::string::npos) << out;
+}
+
+TEST_F(SessionIoboxWithoutRight, OnlyTheLinesAreMissing)
+{
     useBox("", false);
     session_.configuration = withLight(kStrobe + command("0x392", 10) + kInput);
     session_.set("grab.frames=10");
     const kxtest::Finished finished = session_.run();
     EXPECT_EQ(finished.code, 0);
-    EXPECT_EQ(finished.err,
-              "kxhost: The settings of [[iobox]] will have no effect: this process may not run a "
-              "thread with real-time priority 98 (Operation not permitted). Give it the limit "
-              "rtprio 98, as docs/iobox.md says; the grab goes on without.\n");
+    EXPECT_EQ(finished.err, std::string(kNoRealTime) + "\n");
     EXPECT_NE(finished.out.find("Creating ctrl thread..."), std::string::npos);
     EXPECT_EQ(finished.out.find("grab ctrl thread new:"), std::string::npos);
     EXPECT_NE(finished.out.find("IoBox settings handler entry: numCfg 3"), std::string::npos);
@@ -253,6 +317,18 @@ TEST_F(SessionIobox, WithoutTheRightToRealTimeOnlyTheLinesAreMissing)
     EXPECT_EQ(heard(), std::vector<std::string>{});
     EXPECT_EQ(session_.frames().size(), 10U);
     EXPECT_EQ(session_.summary()["lost"]["camera"], 0);
+}
+
+TEST_F(SessionIoboxWithoutRight, LinesThatComeLaterAreSaidToBeMissing)
+{
+    useBox("", false);
+    session_.configuration = withLight("");
+    LiveGrab grab(session_);
+    grab.waitForMoreFrames(1);
+    grab.writeConfiguration(withLight(kStrobe));
+    EXPECT_EQ(grab.waitForMessage("[[iobox]]"), kNoRealTime);
+    grab.waitForMessage("in force from now on");
+    EXPECT_EQ(grab.finish(), 0);
 }
 
 } // namespace
