@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <filesystem>
 
 #include <unistd.h>
 
@@ -15,7 +16,9 @@ using Json = nlohmann::json;
 
 constexpr const char* kStrobe = "[[iobox]]\npin = \"gpio0\"\nmode = \"output\"\nsource = "
                                 "\"strobe\"\ndelay = \"500 us\"\nduration = \"1 ms\"\n";
-constexpr const char* kInput = "[[iobox]]\npin = \"gpio1\"\nmode = \"input\"\nsource = \"data\"\n";
+/// With gaps that suit the slow replies of the box here.
+constexpr const char* kInput = "[[iobox]]\npin = \"gpio1\"\nmode = \"input\"\nsource = "
+                               "\"data\"\ngap_polls = 30\n";
 constexpr const char* kStrobeOn =
     "### set strobe on pin 0: onOff=1 (delay=0.500000, duration=1.000000, polarity=1) ###";
 /// What these tests do not send.
@@ -65,16 +68,18 @@ std::vector<std::string> withoutRealTime()
 /// A camera of 60 frames a second whose pins 0 and 1 lead to an I/O box.
 class IoboxTest : public testing::Test {
 protected:
-    /// `keys` are further ones of the box. Paced frames are lost on a busy machine by who has no
+    /// `keys` are further ones of the box. Its replies are slow, so that a machine which stalls for
+    /// 20 ms does not spoil them. Paced frames are lost on a busy machine by who has no
     /// real time.
     void useBox(const std::string& keys = "", bool paced = true)
     {
         kxtest::TestSensor sensor;
         sensor.frameRate = 60;
         sensor.paced = paced;
-        session_.bus =
-            kxtest::busWith(sensor, "[[camera.io_box]]\nlistens_on = 0\nanswers_on = 1\nlog = \"" +
-                                        boxLog() + "\"\n" + keys);
+        session_.bus = kxtest::busWith(
+            sensor, "[[camera.io_box]]\nlistens_on = 0\nanswers_on = 1\nreply_half_period_us = "
+                    "30000\nreply_gap_us = 110000\nlog = \"" +
+                        boxLog() + "\"\n" + keys);
         session_.set("log.level=info");
         session_.set("output.format=none");
     }
@@ -294,8 +299,14 @@ TEST_F(SessionIobox, TheExampleOfACommandSendsIt)
 
 TEST_F(SessionIobox, TheExampleOfAReplyHasItInTheMetadata)
 {
-    const std::string out = runExample("command-reply.toml").out;
-    const std::vector<Json> frames = framesWithWord();
+    std::string out;
+    std::vector<Json> frames;
+    // Its reply is as fast as it may be: a machine that stalls can spoil one, but not each.
+    for (int attempt = 0; attempt < 3 && frames.empty(); ++attempt) {
+        std::filesystem::remove_all(session_.output());
+        out = runExample("command-reply.toml").out;
+        frames = framesWithWord();
+    }
     ASSERT_EQ(frames.size(), 1U);
     EXPECT_EQ(frames[0]["rx_data"], 0x155);
     EXPECT_EQ(frames[0]["rx_bits"], 10);
