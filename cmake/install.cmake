@@ -25,10 +25,7 @@ endforeach()
 install(FILES packaging/60-driver-pointgrey.rules DESTINATION lib/udev/rules.d)
 install(FILES packaging/kxhost.bash RENAME kxhost
         DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
-set(KX_UNIT ${PROJECT_SOURCE_DIR}/packaging/kxhost@.service)
-if(EXISTS ${KX_UNIT})
-    install(FILES ${KX_UNIT} DESTINATION lib/systemd/system)
-endif()
+install(FILES packaging/kxhost@.service DESTINATION lib/systemd/system)
 # Limits are the administrator's to give: an example, to be copied.
 install(FILES packaging/limits.conf DESTINATION ${KX_DATA_DIR})
 

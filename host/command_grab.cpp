@@ -3,8 +3,10 @@
 #include "config_hints.h"
 #include "export_summary.h"
 #include "grab_run.h"
+#include "notify_socket.h"
 #include "progress.h"
 #include "real_time.h"
+#include "service_status.h"
 #include "services.h"
 
 #include <algorithm>
@@ -78,8 +80,10 @@ void saveSummary(const CommandLine& commandLine, GrabSummary& summary)
 
 /// Ends a grab that never began, of which the user was told. There is nothing to count, but who
 /// reads the summary file learns why.
-int giveUp(const CommandLine& commandLine, int exitCode, const std::string& reason)
+int giveUp(const CommandLine& commandLine, const NotifySocket& manager, int exitCode,
+           const std::string& reason)
 {
+    manager.send("STOPPING=1\n" + statusLine(reason));
     GrabSummary summary;
     summary.exitCode = exitCode;
     summary.reason = reason;
@@ -101,29 +105,37 @@ int report(const CommandLine& commandLine, GrabSummary summary)
     return summary.exitCode;
 }
 
-int grab(const CommandLine& commandLine, const Configuration& configuration, const Plugin& plugin)
+int grab(const CommandLine& commandLine, const Configuration& configuration, const Plugin& plugin,
+         const NotifySocket& manager)
 {
     HostServices& host = services();
     const Settings& settings = configuration.settings;
     ExportQueue queue(exportSettings(settings));
     if (const std::string error = queue.start(); !error.empty()) {
         complain(error);
-        return giveUp(commandLine, kExitExport, error);
+        return giveUp(commandLine, manager, kExitExport, error);
     }
     host.queue = &queue;
     host.plugin = &plugin;
     ConfigFollower follower({commandLine.configuration, commandLine.overrides}, configuration,
                             host.offers, complain);
     GrabResult result;
+    ServiceStatus status(manager, watchdogOfEnvironment(), host.counts, host.signals,
+                         ProgressLine(host.counts, settings.frames, steadyUs()));
     {
         Progress progress(host.counts, settings.frames, commandLine.quiet);
         const bool watch = settings.watchConfiguration && !commandLine.configuration.empty();
-        result = runGrab(plugin, follower, watch, progress.tickMs(),
-                         [&] { progress.show(queue.totals()); });
+        result =
+            runGrab(plugin, follower, watch, std::min(progress.tickMs(), status.tickMs()), [&] {
+                const ExportTotals exported = queue.totals();
+                progress.show(exported);
+                status.update(exported, steadyUs());
+            });
     }
     queue.finish();
     GrabSummary summary = summarize(result, settings, queue.totals());
     judge(summary, settings.maxLosses, queue.firstError());
+    status.end(summary.reason);
     const int exitCode = report(commandLine, summary);
     if (result.abandoned) {
         // The grab thread may still use all of this.
@@ -140,9 +152,10 @@ int grab(const CommandLine& commandLine, const Configuration& configuration, con
 int commandGrab(const CommandLine& commandLine)
 {
     blockSteeringSignals(); // first: who sends one does not know how far this process is
+    const NotifySocket manager = managerOfEnvironment();
     Configuration configuration;
     if (!configure(commandLine, configuration)) {
-        return giveUp(commandLine, kExitConfiguration, "The configuration was refused.");
+        return giveUp(commandLine, manager, kExitConfiguration, "The configuration was refused.");
     }
     if (!commandLine.quiet) {
         for (const std::string& hint : hintsOn(configuration)) {
@@ -161,10 +174,10 @@ int commandGrab(const CommandLine& commandLine)
         const Plugin plugin(commandLine.plugin);
         plugin.setLogging(static_cast<std::uint32_t>(settings.logLevel),
                           static_cast<std::uint32_t>(settings.logSinks), settings.logId);
-        return grab(commandLine, configuration, plugin);
+        return grab(commandLine, configuration, plugin, manager);
     } catch (const LoadError& error) {
         complain(error.what());
-        return giveUp(commandLine, error.exitCode(), error.what());
+        return giveUp(commandLine, manager, error.exitCode(), error.what());
     }
 }
 

@@ -43,6 +43,9 @@ void PendingSignals::post(SignalCode code)
     if (isFinish(code) && finishAsked_.exchange(true, std::memory_order_acq_rel)) {
         return;
     }
+    if (code == kReload) {
+        reloadsAsked_.fetch_add(1, std::memory_order_relaxed);
+    }
     std::uint32_t queue = queue_.load(std::memory_order_relaxed);
     do {
         if ((queue >> placeOf(queue, code)) != 0) {

@@ -45,6 +45,11 @@ public:
     /// True from the first finishing code on, for good.
     bool finishAsked() const { return finishAsked_.load(std::memory_order_acquire); }
 
+    /// How many reloads were asked for so far; any thread.
+    std::uint32_t reloadsAsked() const { return reloadsAsked_.load(std::memory_order_relaxed); }
+    /// True while a reload waits; any thread.
+    bool reloadPending() const { return holds(kReload); }
+
     /// The code for the loop to act on; it stays.
     int pollInLoop();
     /// The code for who is between two loops: a reload, or nothing.
@@ -66,6 +71,7 @@ private:
     /// The codes in their order, four bits each, the next one lowest.
     std::atomic<std::uint32_t> queue_ = 0;
     std::atomic<bool> finishAsked_ = false;
+    std::atomic<std::uint32_t> reloadsAsked_ = 0;
     int polled_ = kNoSignal; ///< by the loop, since the last retrieval; grab thread only
 
     // For the sleeper.

@@ -2,11 +2,9 @@
 #ifndef KXHOST_PROGRESS_H
 #define KXHOST_PROGRESS_H
 
-#include "export_queue.h"
-#include "grab_counts.h"
+#include "progress_line.h"
 
 #include <cstdint>
-#include <string>
 
 namespace kxhost {
 
@@ -27,17 +25,12 @@ public:
     void show(const ExportTotals& exported);
 
 private:
-    std::string line(const ExportTotals& exported);
-
-    const GrabCounts& counts_;
-    std::uint32_t frames_;
     bool silent_;
     bool terminal_;
     bool shown_ = false;
     std::uint64_t startUs_;
     std::uint64_t nextUs_;
-    std::uint64_t lastUs_;
-    std::uint64_t lastRetrieved_ = 0;
+    ProgressLine line_;
 };
 
 } // namespace kxhost

@@ -72,7 +72,7 @@ std::unique_ptr<Process> GrabSession::start()
     if (endsWithTest) {
         all.insert(all.begin(), {"/usr/bin/setpriv", "--pdeathsig=KILL"});
     }
-    return std::make_unique<Process>(all);
+    return std::make_unique<Process>(all, environment);
 }
 
 Finished GrabSession::run()

@@ -49,6 +49,8 @@ public:
     std::vector<std::string> settings = {"grab.frames=5"};
     /// kxhost does not outlive a test that is killed: an endless grab would fill the disk.
     bool endsWithTest = false;
+    /// NAME=value pairs added to the environment.
+    std::vector<std::string> environment;
     /// Neither progress nor summary.
     bool quiet = true;
     /// A program and its arguments that start kxhost: with a limit, a priority, ...

@@ -1,0 +1,86 @@
+"""The unit for systemd follows the exit codes of kxhost, and systemd has nothing against it.
+
+Usage: service_unit_test.py PROJECT_ROOT
+"""
+
+import os
+import re
+import shutil
+import subprocess
+import sys
+import tempfile
+import unittest
+
+ROOT = sys.argv[1]
+UNIT = os.path.join(ROOT, "packaging", "kxhost@.service")
+
+# What is worth another start, what takes a person, and what no grab ends with.
+RESTARTED = {"kExitInternal", "kExitNoCamera", "kExitCamera", "kExitExport"}
+LEFT = {"kExitUsage", "kExitConfiguration", "kExitLosses", "kExitPlugin", "kExitNoLibrary",
+        "kExitLibraryAge"}
+NO_GRAB = {"kExitFine", "kExitNoGrab", "kExitMend", "kExitUnchecked"}
+
+
+def text_of(*path):
+    with open(os.path.join(ROOT, *path), encoding="utf-8") as file:
+        return file.read()
+
+
+def exit_codes():
+    """Name: number, of host/exit_code.h."""
+    return {name: int(number) for name, number in
+            re.findall(r"^\s*(kExit\w+) = (\d+),", text_of("host", "exit_code.h"), re.M)}
+
+
+def settings():
+    """Key: value, of the unit; each key once."""
+    pairs = re.findall(r"^(\w+)=(.*)$", text_of("packaging", "kxhost@.service"), re.M)
+    assert len(pairs) == len(dict(pairs)), "a key twice"
+    return dict(pairs)
+
+
+class ServiceUnit(unittest.TestCase):
+    def test_every_exit_code_is_either_cured_by_a_start_or_not(self):
+        # A verb's own codes, which no grab ends with, are told apart by their comment.
+        others = set(re.findall(r"^\s*(kExit\w+) = \d+,\s*///< (?!doctor|ctl)\w+:",
+                                text_of("host", "exit_code.h"), re.M))
+        self.assertEqual(set(exit_codes()) - others, RESTARTED | LEFT | NO_GRAB)
+
+    def test_what_takes_a_person_is_not_started_again(self):
+        codes = exit_codes()
+        prevented = {int(word) for word in settings()["RestartPreventExitStatus"].split()}
+        self.assertEqual(prevented, {codes[name] for name in LEFT})
+        self.assertEqual(settings()["Restart"], "on-failure")
+
+    def test_comments_name_the_same_codes(self):
+        comments = " ".join(re.findall(r"^# ?(.*)$", text_of("packaging", "kxhost@.service"), re.M))
+        again = comments[comments.index("is started again"):comments.index("What stays wrong")]
+        left = comments[comments.index("What stays wrong"):comments.index("The thread of")]
+        codes = exit_codes()
+        numbers = lambda text: {int(number) for number in re.findall(r"\((\d+)\)", text)}
+        self.assertEqual(numbers(again), {codes[name] for name in RESTARTED})
+        self.assertEqual(numbers(left), {codes[name] for name in LEFT})
+
+    def test_the_grab_may_do_what_it_needs(self):
+        unit = settings()
+        self.assertEqual(unit["LimitRTPRIO"], "98")
+        self.assertEqual(unit["LimitMEMLOCK"], "infinity")
+        self.assertEqual(unit["Type"], "notify")
+        self.assertIn("exec kxhost grab -c /etc/kxhost/%i.toml", unit["ExecStart"])
+        # Waiting for a camera is the grab's, and no failed start.
+        self.assertEqual(unit["TimeoutStartSec"], "infinity")
+
+    def test_systemd_takes_it(self):
+        if shutil.which("systemd-analyze") is None:
+            self.skipTest("systemd-analyze is not installed")
+        with tempfile.TemporaryDirectory() as folder:
+            shutil.copy(UNIT, folder)
+            instance = os.path.join(folder, "kxhost@left.service")
+            finished = subprocess.run(
+                ["systemd-analyze", "verify", "--man=no", "--recursive-errors=no", instance],
+                capture_output=True, text=True, check=False)
+            self.assertEqual((finished.returncode, finished.stderr), (0, ""))
+
+
+if __name__ == "__main__":
+    unittest.main(argv=sys.argv[:1])
