@@ -133,6 +133,16 @@ TEST(DoctorRules, TheOneThatIsToldToBeMadeIsAccepted)
     EXPECT_TRUE(rules[0].seated);
 }
 
+TEST(DoctorRules, TheOneThatIsInstalledIsAccepted)
+{
+    const std::vector<UdevRule> rules =
+        rulesIn("60-driver-pointgrey.rules", kxtest::readText(KX_UDEV_RULES));
+    ASSERT_EQ(rules.size(), 1U);
+    EXPECT_EQ(rules[0].group, "plugdev");
+    EXPECT_TRUE(rules[0].seated);
+    EXPECT_FALSE(rules[0].everybody);
+}
+
 TEST(DoctorGroup, MembersAreLetIn)
 {
     const Check check = judgeGroup(accessWith(kRule), user(1000, {1000, 46}), {}, usbNeeds());
