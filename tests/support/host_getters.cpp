@@ -1,4 +1,5 @@
 // The recording host's configuration getters.
+#include "host_overrides.h"
 #include "journal.h"
 #include "kx_host.h"
 #include "recording_host.h"
@@ -12,23 +13,32 @@ template <typename T>
 T answer(const char* name, T HostConfig::*field)
 {
     kxtest::journal().add({kxtest::Kind::getter, name, "", 0});
-    return host().config.*field;
+    return kxtest::overrideOf<T>(name).value_or(host().config.*field);
 }
 
 const char* answer(const char* name, std::optional<std::string> HostConfig::*field)
 {
     kxtest::journal().add({kxtest::Kind::getter, name, "", 0});
     const std::optional<std::string>& text = host().config.*field;
-    return text ? text->c_str() : nullptr;
+    return kxtest::overrideOf<const char*>(name).value_or(text ? text->c_str() : nullptr);
 }
 
-const kxtest::IoboxEntry& ioboxEntry(const char* getter, int set)
+int32_t ioboxValue(const char* getter, int set, std::int32_t kxtest::IoboxEntry::*field)
 {
     kxtest::journal().add({kxtest::Kind::getter, getter, std::to_string(set), 0});
-    return host().config.iobox.at(static_cast<std::size_t>(set));
+    if (const auto answer = kxtest::overrideOf<std::int32_t>(getter)) {
+        return *answer;
+    }
+    return host().config.iobox.at(static_cast<std::size_t>(set)).*field;
 }
 
 } // namespace
+
+kxtest::HostOverrides& kxtest::hostOverrides()
+{
+    static HostOverrides overrides;
+    return overrides;
+}
 
 #define KX_GETTER(TYPE, NAME, FIELD)                                                               \
     TYPE NAME(void)                                                                                \
@@ -74,36 +84,42 @@ KX_GETTER(uint16_t, KxGiMainCtx__GetLutBitSize, lutBits)
 const uint16_t* KxGiMainCtx__GetLutDataU16(void)
 {
     kxtest::journal().add({kxtest::Kind::getter, "KxGiMainCtx__GetLutDataU16", "", 0});
-    return host().config.lut.empty() ? nullptr : host().config.lut.data();
+    const std::vector<std::uint16_t>& lut = host().config.lut;
+    return kxtest::overrideOf<const uint16_t*>("KxGiMainCtx__GetLutDataU16")
+        .value_or(lut.empty() ? nullptr : lut.data());
 }
 
 uint32_t KxGiMainCtx__GetIoboxNum(void)
 {
     kxtest::journal().add({kxtest::Kind::getter, "KxGiMainCtx__GetIoboxNum", "", 0});
-    return static_cast<uint32_t>(host().config.iobox.size());
+    return kxtest::overrideOf<uint32_t>("KxGiMainCtx__GetIoboxNum")
+        .value_or(static_cast<uint32_t>(host().config.iobox.size()));
 }
 
 int32_t KxGiMainCtx__GetIoboxPin(int set)
 {
-    return ioboxEntry("KxGiMainCtx__GetIoboxPin", set).pin;
+    return ioboxValue("KxGiMainCtx__GetIoboxPin", set, &kxtest::IoboxEntry::pin);
 }
 int32_t KxGiMainCtx__GetIoboxMod(int set)
 {
-    return ioboxEntry("KxGiMainCtx__GetIoboxMod", set).mode;
+    return ioboxValue("KxGiMainCtx__GetIoboxMod", set, &kxtest::IoboxEntry::mode);
 }
 int32_t KxGiMainCtx__GetIoboxInv(int set)
 {
-    return ioboxEntry("KxGiMainCtx__GetIoboxInv", set).inv;
+    return ioboxValue("KxGiMainCtx__GetIoboxInv", set, &kxtest::IoboxEntry::inv);
 }
 int32_t KxGiMainCtx__GetIoboxSrc(int set)
 {
-    return ioboxEntry("KxGiMainCtx__GetIoboxSrc", set).src;
+    return ioboxValue("KxGiMainCtx__GetIoboxSrc", set, &kxtest::IoboxEntry::src);
 }
 
 int32_t KxGiMainCtx__GetIoboxPar(int set, int which)
 {
     kxtest::journal().add({kxtest::Kind::getter, "KxGiMainCtx__GetIoboxPar",
                            kxtest::format("%i, %i", set, which), 0});
+    if (const auto answer = kxtest::overrideOf<std::int32_t>("KxGiMainCtx__GetIoboxPar")) {
+        return *answer;
+    }
     return host()
         .config.iobox.at(static_cast<std::size_t>(set))
         .par.at(static_cast<std::size_t>(which));

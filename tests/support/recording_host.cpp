@@ -38,6 +38,9 @@ void RecordingHost::initPool(std::uint32_t count)
 void RecordingHost::setPoolFrameSize(std::uint32_t bytes)
 {
     poolStep_ = slotStep != 0 ? slotStep : bytes;
+    if (bufPtr) {
+        return;
+    }
     pool_ = std::shared_ptr<std::byte[]>(new std::byte[poolCount_ * poolStep_ + 1]());
 }
 

@@ -32,7 +32,7 @@ std::function<void()> syslogHook;
 std::function<void(bool)> usleepHook;
 std::atomic<bool> grantRealTime{false};
 /// Real-time threads that have not ended yet, and whether this is one of them.
-std::atomic<int> realTimeThreads{0};
+std::atomic<int> liveRealTimeThreads{0};
 thread_local bool isRealTime = false;
 
 using Create = int (*)(pthread_t*, const pthread_attr_t*, void* (*)(void*), void*);
@@ -45,7 +45,7 @@ struct Job {
 
 /// Counts a thread until it returns or is cancelled.
 struct Counted {
-    ~Counted() { --realTimeThreads; }
+    ~Counted() { --liveRealTimeThreads; }
 };
 
 void* runRealTime(void* job)
@@ -81,7 +81,7 @@ int createRealTime(Create create, pthread_t* thread, const pthread_attr_t* attri
     if (!grantRealTime) {
         return EPERM;
     }
-    ++realTimeThreads;
+    ++liveRealTimeThreads;
     return create(thread, nullptr, runRealTime, new Job(job));
 }
 
@@ -120,6 +120,11 @@ void setRealTime(RealTime answer)
     grantRealTime = answer == RealTime::granted;
 }
 
+int realTimeThreads()
+{
+    return liveRealTimeThreads;
+}
+
 void onUsleep(std::function<void(bool realTime)> hook)
 {
     usleepHook = std::move(hook);
@@ -156,7 +161,7 @@ int usleep(useconds_t us)
     if (kxtest::usleepHook) {
         kxtest::usleepHook(kxtest::isRealTime);
     }
-    if (kxtest::realTimeThreads > 0) {
+    if (kxtest::liveRealTimeThreads > 0) {
         kxtest::waitForPart(us);
     }
     if (kxtest::isRealTime) {

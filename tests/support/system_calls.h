@@ -28,6 +28,9 @@ inline constexpr unsigned kSleepPart = 20;
 enum class RealTime { refused, granted };
 void setRealTime(RealTime answer);
 
+/// How many real-time threads have not ended yet.
+int realTimeThreads();
+
 /// Called at the begin of each usleep, with whether it is that of a real-time thread; null =
 /// nothing. REQUIRES: there is no such thread.
 void onUsleep(std::function<void(bool realTime)> hook);

@@ -14,7 +14,7 @@ struct CameraText {
     std::string interface = "usb3"; ///< "usb2", "usb3", "gige" or "ieee1394"
     /// Content of the sensor's table; small, so that pictures cost little.
     std::string sensor = "width = 160, height = 120, colour = false, frame_rate = 30.0";
-    std::string extra; ///< further lines of the camera's table, tables last
+    std::string extra{}; ///< further lines of the camera's table, tables last
 };
 
 /// The bus description with these cameras.
