@@ -14,7 +14,7 @@ install(TARGETS flycapture2_sim LIBRARY DESTINATION ${KX_SIM_DIR})
 
 install(DIRECTORY examples DESTINATION ${KX_DATA_DIR})
 install(DIRECTORY docs/ DESTINATION ${CMAKE_INSTALL_DOCDIR}
-        FILES_MATCHING PATTERN "*.md" PATTERN "line-frame.png" PATTERN "kxhost.1.md" EXCLUDE)
+        FILES_MATCHING PATTERN "*.md" PATTERN "*.png" PATTERN "kxhost.1.md" EXCLUDE)
 install(FILES README.md CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
 foreach(page IN LISTS KX_MAN_FILES)
     string(REGEX MATCH "[0-9]$" section ${page})

@@ -18,6 +18,9 @@ check_detached
 check_demo
 check_program
 
+# Limits are given in four fields, to the group that the udev rule gives cameras to.
+grep -v -E '^(#|$)' "$prefix/share/driver-pointgrey/limits.conf" |
+    grep -v -x -E '@plugdev +- +(rtprio +98|memlock +unlimited|nice +-20)' && fail "limits.conf"
 for page in man1/kxhost.1 man5/kxhost.toml.5 man5/flycapture2-sim.toml.5; do
     gzip -d <"$prefix/share/man/$page.gz" | cmp - "$build/man/${page#*/}" || fail "manual page $page"
 done
