@@ -20,6 +20,9 @@ using testing::SizeIs;
 namespace {
 
 class ControlSessionsTest : public kxtest::PluginTest {
+public:
+    ~ControlSessionsTest() override { kxtest::setRealTime(RealTime::refused); }
+
 protected:
     ControlSessionsTest()
     {
@@ -34,7 +37,6 @@ protected:
         };
         host().config.fnum = 2;
     }
-    ~ControlSessionsTest() override { kxtest::setRealTime(RealTime::refused); }
 
     /// Ends while the word is sent, or while its reply is waited for; long words have to be
     /// cancelled.

@@ -53,6 +53,13 @@ void waitUntil(const Condition& reached)
 enum class Stage { started, sends, answered };
 
 class RealTimeSessionsTest : public testing::Test {
+public:
+    ~RealTimeSessionsTest() override
+    {
+        gKxLogLevelLib = gKxLogModeLib = 0;
+        host().reset();
+    }
+
 protected:
     RealTimeSessionsTest()
     {
@@ -75,11 +82,6 @@ protected:
         if (!camera.ctrlThread) {
             GTEST_SKIP() << "real-time threads are not allowed here";
         }
-    }
-    ~RealTimeSessionsTest() override
-    {
-        gKxLogLevelLib = gKxLogModeLib = 0;
-        host().reset();
     }
 
     /// All that is said until the session has ended.
