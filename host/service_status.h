@@ -31,7 +31,7 @@ public:
     ServiceStatus(const NotifySocket& manager, std::optional<std::uint64_t> watchdogUs,
                   const GrabCounts& counts, const PendingSignals& signals, ProgressLine line)
         : manager_(manager), watchdogUs_(watchdogUs), counts_(counts), signals_(signals),
-          line_(std::move(line))
+          line_(line)
     {}
 
     /// Milliseconds within which `update` is to be called again.
