@@ -4,6 +4,7 @@
 #include "bus_parser.h"
 #include "default_bus.h"
 #include "sim_clock.h"
+#include "sim_control.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -58,6 +59,9 @@ void Bus::replace(const BusDescription& description)
     for (const CameraDescription& camera : description.cameras) {
         const auto index = static_cast<unsigned>(devices_.size());
         devices_.push_back(std::make_unique<Device>(camera, index));
+        for (const Fault& fault : camera.callFaults) {
+            addFault(fault);
+        }
     }
 }
 
@@ -72,7 +76,7 @@ std::vector<Device*> Bus::attached()
     const std::lock_guard lock(mutex_);
     std::vector<Device*> found;
     for (const auto& device : devices_) {
-        if (device->attached()) {
+        if (device->attachedByNow()) {
             found.push_back(device.get());
         }
     }
@@ -92,7 +96,7 @@ Device* Bus::find(const FlyCapture2::PGRGuid& guid)
 Device* Bus::find(unsigned serial)
 {
     Device* device = known(serial);
-    return device != nullptr && device->attached() ? device : nullptr;
+    return device != nullptr && device->attachedByNow() ? device : nullptr;
 }
 
 Device* Bus::known(unsigned serial)

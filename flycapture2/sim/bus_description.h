@@ -7,6 +7,7 @@
 
 #include "io_box_description.h"
 #include "renderer.h"
+#include "sim_control.h"
 
 #include <FlyCapture2.h>
 
@@ -121,12 +122,21 @@ enum class FrameFaultKind {
     detach,    ///< the camera leaves the bus
 };
 
+/// How a camera that leaves the bus comes back.
+struct Return {
+    std::uint64_t afterUs = 0; ///< how long it is away; 0 = it stays away
+    unsigned maxWidth = 0;     ///< largest region that it then has; 0 = as before
+    unsigned maxHeight = 0;
+};
+
 struct FrameFault {
     FrameFaultKind kind = FrameFaultKind::lose;
     std::uint64_t frame = 0; ///< first frame concerned, counted from the start of capture
     std::uint64_t count = 1; ///< how many frames in a row
     double amount = 0;
-    std::string text; ///< error: of the description
+    std::string text;   ///< error: of the description
+    unsigned times = 1; ///< detach: so often, then it does not happen any more; 0 = always
+    Return comesBack;   ///< detach: how
 };
 
 struct CameraDescription {
@@ -155,6 +165,7 @@ struct CameraDescription {
     DeliveryDescription delivery;
     StreamChannelDescription stream;
     std::vector<FrameFault> faults;
+    std::vector<Fault> callFaults; ///< set when the bus is loaded; of calls to this camera
 };
 
 struct BusDescription {

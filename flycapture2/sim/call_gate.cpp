@@ -86,7 +86,7 @@ WatchedCall::WatchedCall(const GateCall& call, std::string arguments)
         return;
     }
     if (fault->detach && call.target != nullptr) {
-        call.target->detachCamera();
+        call.target->detachCamera(fault->backAfterUs);
     }
     if (fault->throwsOther || !fault->throws.empty()) {
         record();

@@ -5,6 +5,7 @@
 #include <FlyCapture2.h>
 
 #include <atomic>
+#include <cstdint>
 #include <optional>
 #include <string>
 
@@ -21,8 +22,8 @@ public:
     virtual unsigned serialNumber() const = 0;
     /// Lets the time pass that one access to the camera's registers takes.
     virtual void passRegisterTime() = 0;
-    /// The camera leaves the bus.
-    virtual void detachCamera() = 0;
+    /// The camera leaves the bus, for so long; 0 = for good.
+    virtual void detachCamera(std::uint64_t backAfterUs) = 0;
 };
 
 /// Whether a call goes to the camera, which takes register time, or ends in the library.

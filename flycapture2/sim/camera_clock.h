@@ -34,6 +34,11 @@ public:
     CycleTime at(double hostUs) const;
     /// Jumps by `us`.
     void step(double us) { offsetUs_ += us; }
+    /// Starts anew: it shows `offsetUs` when the host's clock shows `hostUs`.
+    void restart(double hostUs, double offsetUs)
+    {
+        offsetUs_ = offsetUs - hostUs * rate_ - swungUs(hostUs);
+    }
     /// How long `cameraUs` on this clock last on the host's, without the swing.
     double toHost(double cameraUs) const { return cameraUs / rate_; }
 

@@ -3,6 +3,7 @@
 
 #include "camera_defaults.h"
 #include "device_info.h"
+#include "fault_parser.h"
 #include "io_box_parser.h"
 
 #include <algorithm>
@@ -31,14 +32,6 @@ const Choices<PowerUp> kPowerUps{{"on", PowerUp::on},
                                  {"timeout", PowerUp::timeout}};
 const Choices<SceneKind> kScenes{
     {"chart", SceneKind::chart}, {"pictures", SceneKind::pictures}, {"none", SceneKind::none}};
-const Choices<FrameFaultKind> kFaults{{"lose", FrameFaultKind::lose},
-                                      {"error", FrameFaultKind::error},
-                                      {"corrupt", FrameFaultKind::corrupt},
-                                      {"counter", FrameFaultKind::counter},
-                                      {"clock_step", FrameFaultKind::clockStep},
-                                      {"stall", FrameFaultKind::stall},
-                                      {"detach", FrameFaultKind::detach}};
-
 /// What cameras send; BGR and BGRU are made by the library.
 constexpr std::array kCameraFormats{
     PIXEL_FORMAT_MONO8,   PIXEL_FORMAT_MONO12, PIXEL_FORMAT_MONO16,  PIXEL_FORMAT_RAW8,
@@ -243,20 +236,6 @@ void readIoBoxes(TableReader& table, CameraDescription& camera)
     }
 }
 
-FrameFault readFault(TableReader& table)
-{
-    FrameFault fault;
-    table.require("kind");
-    table.choice("kind", fault.kind, kFaults);
-    table.require("frame");
-    table.integer("frame", fault.frame, 0, INT64_MAX);
-    table.integer("count", fault.count, 1, INT64_MAX);
-    table.number("amount", fault.amount, -1e12, 1e12);
-    table.text("text", fault.text);
-    table.finish();
-    return fault;
-}
-
 void readIdentity(TableReader& table, CameraDescription& camera)
 {
     for (const char* key : {"model", "serial", "interface", "sensor"}) {
@@ -294,9 +273,7 @@ CameraDescription readCamera(TableReader& table, const std::filesystem::path& fo
     checkFormat7(table, camera);
     section(table, "scene", [&](TableReader& found) { readScene(found, camera, folder); });
     readIoBoxes(table, camera);
-    for (TableReader& found : table.tables("fault")) {
-        camera.faults.push_back(readFault(found));
-    }
+    readFaults(table, camera);
     table.finish();
     return camera;
 }

@@ -31,11 +31,11 @@ void CameraSession::passRegisterTime()
     }
 }
 
-void CameraSession::detachCamera()
+void CameraSession::detachCamera(std::uint64_t backAfterUs)
 {
     if (Device* device = connectedDevice()) {
         const std::lock_guard lock(device->mutex());
-        device->setAttached(false);
+        device->unplug({.afterUs = backAfterUs});
     }
 }
 

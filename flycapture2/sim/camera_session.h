@@ -22,7 +22,7 @@ public:
     const char* object() const { return object_; }
     unsigned serialNumber() const override;
     void passRegisterTime() override;
-    void detachCamera() override;
+    void detachCamera(std::uint64_t backAfterUs) override;
 
     /// Null stands for the first camera on the bus.
     FlyCapture2::Error connect(const FlyCapture2::PGRGuid* guid);

@@ -16,6 +16,7 @@
 
 #include <condition_variable>
 #include <cstdint>
+#include <map>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -90,6 +91,7 @@ private:
     void strobe(std::uint64_t number);
     void hold(std::uint64_t number);
     const FrameFault* faultOf(std::uint64_t number, FrameFaultKind kind) const;
+    bool isSpent(const FrameFault& fault) const;
     FlyCapture2::Error timedOut(Lock& lock, double deadlineUs);
     FlyCapture2::Error deliver(Lock& lock, FlyCapture2::Image& image, const ScheduledFrame& frame);
     std::optional<FlyCapture2::Error> failDelivery(std::uint64_t number);
@@ -116,6 +118,7 @@ private:
     std::vector<ScheduledFrame> held_; ///< arrived and not fetched, oldest first
     bool stalled_ = false;
     LossCounters losses_;
+    std::map<const FrameFault*, unsigned> detaches_; ///< how often each fault has happened
     NewestRing<FrameTruth, 65536> truth_;
     NewestRing<StrobePulse, 16384> pulses_;
 };

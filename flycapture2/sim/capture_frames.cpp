@@ -92,11 +92,18 @@ bool Capture::meter(Lock& lock, std::uint64_t number)
 const FrameFault* Capture::faultOf(std::uint64_t number, FrameFaultKind kind) const
 {
     for (const FrameFault& fault : device_.description().faults) {
-        if (fault.kind == kind && number >= fault.frame && number - fault.frame < fault.count) {
+        if (fault.kind == kind && number >= fault.frame && number - fault.frame < fault.count &&
+            !isSpent(fault)) {
             return &fault;
         }
     }
     return nullptr;
+}
+
+bool Capture::isSpent(const FrameFault& fault) const
+{
+    const auto done = detaches_.find(&fault);
+    return fault.times != 0 && done != detaches_.end() && done->second >= fault.times;
 }
 
 void Capture::strobe(std::uint64_t number)

@@ -108,8 +108,9 @@ Error Capture::deliver(Lock& lock, FlyCapture2::Image& image, const ScheduledFra
 
 std::optional<Error> Capture::failDelivery(std::uint64_t number)
 {
-    if (faultOf(number, FrameFaultKind::detach) != nullptr) {
-        device_.setAttached(false);
+    if (const FrameFault* fault = faultOf(number, FrameFaultKind::detach)) {
+        ++detaches_[fault];
+        device_.unplug(fault->comesBack);
         return detached();
     }
     if (const FrameFault* fault = faultOf(number, FrameFaultKind::error)) {

@@ -49,7 +49,7 @@ Device::Device(const CameraDescription& description, unsigned index)
     : description_(description), info_(makeCameraInfo(description, index)),
       clock_(description.clock), powered_(description.power.behaviour == PowerUp::on),
       properties_(description.properties), automatic_(properties_, registers_),
-      format7_(description.format7), lut_(description.lut),
+      format7Rules_(description.format7), format7_(format7Rules_), lut_(description.lut),
       embedded_(makeEmbeddedInfo(description)), stream_(makeStreamChannel(description)),
       strobes_(description.gpioPins), gpio_(description.gpioPins, description.ioBoxes),
       capture_(*this)
@@ -99,27 +99,66 @@ void Device::release()
     owner_.store(nullptr, std::memory_order_release);
 }
 
-void Device::setAttached(bool attached)
+void Device::unplug(const Return& comesBack)
 {
-    if (attached == this->attached()) {
+    if (!attached()) {
         return;
     }
-    if (attached) {
-        release();
-        powerUp();
+    if (comesBack.maxWidth != 0) {
+        format7Rules_.maxWidth = comesBack.maxWidth;
+        format7Rules_.maxHeight = comesBack.maxHeight;
     }
-    attached_.store(attached, std::memory_order_release);
+    gpio_.powerDown(nowUs());
+    backAtUs_.store(comesBack.afterUs == 0 ? 0 : nowUs() + comesBack.afterUs,
+                    std::memory_order_release);
+    attached_.store(false, std::memory_order_release);
     capture_.wake();
 }
 
-void Device::powerUp()
+void Device::plugIn()
+{
+    if (!attached()) {
+        plugInSince(nowUs());
+    }
+}
+
+bool Device::attachedByNow()
+{
+    const std::uint64_t backAtUs = backAtUs_.load(std::memory_order_acquire);
+    if (attached() || backAtUs == 0 || nowUs() < backAtUs) {
+        return attached();
+    }
+    const std::lock_guard lock(mutex_);
+    if (!attached()) {
+        plugInSince(backAtUs);
+    }
+    return true;
+}
+
+void Device::plugInSince(std::uint64_t us)
+{
+    release();
+    powerUp(static_cast<double>(static_cast<std::int64_t>(us - clockEpochUs())));
+    backAtUs_.store(0, std::memory_order_release);
+    attached_.store(true, std::memory_order_release);
+    capture_.wake();
+}
+
+void Device::powerUp(double hostUs)
 {
     powered_ = description_.power.behaviour == PowerUp::on;
     powerAsked_ = false;
+    powerReads_ = 0;
+    clock_.restart(hostUs, description_.clock.offsetUs);
+    registers_.clear();
+    strobes_ = StrobeUnit(description_.gpioPins);
+    stream_ = makeStreamChannel(description_);
     properties_ = PropertyBank(description_.properties);
-    format7_ = Format7Unit(description_.format7);
+    format7_ = Format7Unit(format7Rules_);
     lut_ = LutStore(description_.lut);
     embedded_ = makeEmbeddedInfo(description_);
+    capture_.resetLosses();
+    definePowerUpRegisters();
     retime();
 }
 

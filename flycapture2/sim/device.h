@@ -36,6 +36,8 @@ public:
     /// How long a call that talks to the camera takes, in whole microseconds.
     std::uint64_t registerUs() const { return static_cast<std::uint64_t>(description_.registerUs); }
     bool attached() const { return attached_.load(std::memory_order_acquire); }
+    /// The same after it was plugged in if the time for that has come. Takes the mutex then.
+    bool attachedByNow();
     /// True while `owner` is the one that the camera is connected to, attached or not.
     bool ownedBy(const void* owner) const
     {
@@ -52,8 +54,10 @@ public:
     bool claim(const void* owner);
     /// Ends the connection and the capture.
     void release();
-    /// Pulls the camera off the bus, or plugs it in as it is at power-up but for its registers.
-    void setAttached(bool attached);
+    /// Pulls the camera off the bus; `comesBack` says for how long.
+    void unplug(const Return& comesBack);
+    /// Plugs it in, as it is at power-up.
+    void plugIn();
 
     // ---- What the SDK's camera objects offer.
 
@@ -104,13 +108,15 @@ private:
     void writePin(unsigned pin, std::uint32_t value);
     StrobeSettings strobesInForce() const;
     void definePowerUpRegisters();
-    /// What was set is lost, but for the registers.
-    void powerUp();
+    /// What was set is lost, and the clock starts anew, as it has shown since `hostUs`.
+    void powerUp(double hostUs);
+    void plugInSince(std::uint64_t us);
 
     const CameraDescription description_;
     const FlyCapture2::CameraInfo info_;
     std::atomic<bool> attached_{true};
     std::atomic<const void*> owner_{nullptr};
+    std::atomic<std::uint64_t> backAtUs_{0}; ///< on the simulation's clock; 0 = it is not awaited
 
     std::mutex mutex_;
     CameraClock clock_;
@@ -121,6 +127,7 @@ private:
     unsigned powerReads_ = 0; ///< of the power register since power was asked for
     PropertyBank properties_;
     AutoFunctions automatic_;
+    Format7Description format7Rules_; ///< as they are from the next power-up on
     Format7Unit format7_;
     LutStore lut_;
     FlyCapture2::EmbeddedImageInfo embedded_;

@@ -31,6 +31,15 @@ GpioBank::GpioBank(unsigned pins, const std::vector<IoBoxDescription>& boxes) : 
     }
 }
 
+void GpioBank::powerDown(std::uint64_t nowUs)
+{
+    for (unsigned pin = 0; pin < pins_.size(); ++pin) {
+        pins_[pin].value = kPresenceBit;
+        pins_[pin].pull = false;
+        driveLine(pin, {nowUs, false});
+    }
+}
+
 std::optional<unsigned> GpioBank::pinAt(std::uint32_t address) const
 {
     for (unsigned pin = 0; pin < pins_.size(); ++pin) {

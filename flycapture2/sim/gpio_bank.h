@@ -27,6 +27,8 @@ public:
     /// As the bus description sets it at power-up. Bit 0 is what an input reads that nothing
     /// drives.
     void preset(unsigned pin, std::uint32_t value);
+    /// The power goes: outputs let go of their lines, and nothing of the registers is left.
+    void powerDown(std::uint64_t nowUs);
     std::uint32_t read(unsigned pin, std::uint64_t nowUs);
     void write(unsigned pin, std::uint32_t value, std::uint64_t nowUs);
     bool inMode(unsigned pin, PinMode mode) const;

@@ -28,6 +28,8 @@ public:
     /// A register as the bus description sets it at power-up.
     void preset(std::uint32_t address, std::uint32_t value) { values_[address].value = value; }
     void write(std::uint32_t address, std::uint32_t value);
+    /// Forgets everything but what is pinned.
+    void clear() { values_.clear(); }
     std::uint32_t read(std::uint32_t address) const;
 
     /// Reads give `value` from now on, whatever is written.

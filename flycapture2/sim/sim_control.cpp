@@ -26,7 +26,11 @@ void setAttached(unsigned serial, bool attached)
 {
     if (Device* device = Bus::instance().known(serial)) {
         const std::lock_guard lock(device->mutex());
-        device->setAttached(attached);
+        if (attached) {
+            device->plugIn();
+        } else {
+            device->unplug({});
+        }
     }
 }
 

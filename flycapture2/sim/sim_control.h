@@ -64,6 +64,7 @@ struct Fault {
     std::string throws{};      ///< not "": throw std::runtime_error with this text instead
     bool throwsOther = false;  ///< throw an object that is no std::exception instead
     bool detach = false;       ///< the camera leaves the bus with this fault (IsConnected: false)
+    std::uint64_t backAfterUs = 0; ///< detach: and is plugged in again so much later; 0 = it is not
     bool skipEffect = false;   ///< answer OK but do nothing (outputs stay as the caller set them)
     unsigned serial = 0;       ///< only calls to the camera with this serial number; 0 = all calls
 };
@@ -72,7 +73,7 @@ FCSIM_API void clearFaults();
 
 // ---- Cameras and frames, by serial number.
 
-/// Pulls the camera off the bus, or plugs it in again.
+/// Pulls the camera off the bus, or plugs it in again, which brings it up as at power-up.
 FCSIM_API void setAttached(unsigned serial, bool attached);
 /// Reads or overwrites a camera register as seen by ReadRegister, without a call being recorded.
 /// An overwritten register keeps the value (reads give it, for the clock register too) until
