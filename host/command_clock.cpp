@@ -41,10 +41,12 @@ private:
     int output_;
 };
 
-/// The configuration of a grab that goes on until it is told to end.
+/// The configuration of a grab that goes on until it is told to end, or the camera is lost: its
+/// clock would begin anew.
 CommandLine withoutEnd(CommandLine commandLine)
 {
     commandLine.overrides.emplace_back("grab.frames=0");
+    commandLine.overrides.emplace_back("camera.reconnect=no");
     return commandLine;
 }
 

@@ -136,6 +136,9 @@ constexpr std::array kShorthands = {
 };
 constexpr Shorthand kLogLevel = {"--log-level", "log.level", "LEVEL",
                                  "off, error, warning, info, debug or trace (log.level)"};
+constexpr Shorthand kReconnect = {
+    "--reconnect", "camera.reconnect", "SECONDS",
+    "Wait so long for a camera that was lost: a time, no or forever (camera.reconnect)"};
 constexpr Shorthand kWait = {"--wait", "camera.wait", "SECONDS",
                              "Give up when no camera has come by then (camera.wait)"};
 
@@ -200,6 +203,7 @@ private:
         app->footer(kFooter);
         addConfigurationOptions(app);
         addShorthand(app, kWait, inSeconds);
+        addShorthand(app, kReconnect, inSeconds);
         addPluginOptions(app);
         app->add_option("--summary", result_.summaryFile, "Write the summary there as JSON")
             ->type_name("FILE");
@@ -218,6 +222,7 @@ private:
             addVerb("check", Verb::kCheck, "Check a configuration and print what is in force");
         addConfigurationOptions(app);
         addShorthand(app, kWait, inSeconds);
+        addShorthand(app, kReconnect, inSeconds);
     }
 
     void addVersion()

@@ -1,78 +1,16 @@
-// kxhost list: one pass of the plug-in that chooses no camera, and what it logged.
+// kxhost list: the cameras on the buses as a table.
 #include "commands.h"
-#include "inventory.h"
-#include "services.h"
+#include "inventory_pass.h"
 
-#include <array>
-#include <cerrno>
 #include <cstdio>
-#include <system_error>
-
-#include <sys/mman.h>
-#include <unistd.h>
 
 namespace kxhost {
-namespace {
-
-/// While it lives, standard output goes into memory.
-class CapturedOutput {
-public:
-    CapturedOutput() : file_(memfd_create("kxhost-log", MFD_CLOEXEC)), output_(dup(STDOUT_FILENO))
-    {
-        std::fflush(stdout);
-        if (file_ < 0 || output_ < 0 || dup2(file_, STDOUT_FILENO) < 0) {
-            throw std::system_error(errno, std::generic_category(),
-                                    "cannot read the plug-in's log");
-        }
-    }
-    ~CapturedOutput()
-    {
-        std::fflush(stdout);
-        dup2(output_, STDOUT_FILENO);
-        close(output_);
-        close(file_);
-    }
-    CapturedOutput(const CapturedOutput&) = delete;
-    CapturedOutput& operator=(const CapturedOutput&) = delete;
-
-    /// What was written so far.
-    std::string text() const
-    {
-        std::fflush(stdout);
-        std::string all;
-        std::array<char, 4096> piece{};
-        ssize_t got = 0;
-        while ((got = pread(file_, piece.data(), piece.size(), static_cast<off_t>(all.size()))) >
-               0) {
-            all.append(piece.data(), static_cast<std::size_t>(got));
-        }
-        return all;
-    }
-
-private:
-    int file_;
-    int output_;
-};
-
-std::string inventoryLog(const Plugin& plugin)
-{
-    constexpr std::uint32_t kInfo = 3;
-    constexpr std::uint32_t kStandardOutput = 1;
-    services().settings.model = kNoSuchModel;
-    const CapturedOutput output;
-    plugin.setLogging(kInfo, kStandardOutput, 0);
-    plugin.run();
-    plugin.setLogging(0, 0, 0);
-    return output.text();
-}
-
-} // namespace
 
 int commandList(const CommandLine& commandLine)
 {
     try {
         const Plugin plugin(commandLine.plugin);
-        const auto cameras = readInventory(inventoryLog(plugin));
+        const auto cameras = takeInventory(plugin);
         if (cameras.empty()) {
             complain("There is no camera on the buses.");
             return kExitNoCamera;

@@ -38,6 +38,8 @@ constexpr std::array kPictureWords = {Word{"none", static_cast<int>(PictureForma
 constexpr std::array kBayerWords = {Word{"colour", static_cast<int>(BayerPicture::kColour)},
                                     Word{"color", static_cast<int>(BayerPicture::kColour)},
                                     Word{"mosaic", static_cast<int>(BayerPicture::kMosaic)}};
+constexpr std::array kReconnectWords = {Word{"no", 0}, Word{"forever", kWithoutEnd}};
+constexpr std::array kSilenceWords = {Word{"never", kWithoutEnd}};
 constexpr std::array kFullWords = {Word{"wait", static_cast<int>(WhenFull::kWait)},
                                    Word{"drop", static_cast<int>(WhenFull::kDrop)}};
 
@@ -93,6 +95,15 @@ const std::array kKeys = {
         member<&Settings::busMask>},
     Key{"camera", "wait", Takes::kStart, number(Dimension::kSeconds, 0, 1e9), "as long as it takes",
         "How long to wait for the camera to appear.", member<&Settings::waitSeconds>},
+
+    Key{"camera", "reconnect", Takes::kStart,
+        NumberRule{Dimension::kSeconds, 0.1, 1e9, false, kReconnectWords}, "forever",
+        "How long to wait for a camera that was lost; no: the grab ends then.",
+        member<&Settings::reconnectSeconds>},
+    Key{"camera", "silence", Takes::kStart,
+        NumberRule{Dimension::kSeconds, 1, 1e9, false, kSilenceWords}, "30 s",
+        "A camera that delivers no frame for so long counts as lost.",
+        member<&Settings::silenceSeconds>},
 
     Key{"gige", "packet_size", Takes::kRestart, whole(1, 9000, Dimension::kBytes), "1500 B",
         "Packet size of a GigE camera; large ones need jumbo frames on the whole way.",

@@ -18,19 +18,21 @@ namespace kxhost {
 using Slot = std::variant<float*, double*, std::uint32_t*, std::int32_t*, std::int64_t*, bool*,
                           std::string*, std::vector<std::uint16_t>*, LutCurve*>;
 
+/// One of several words.
+struct Word {
+    std::string_view name;
+    std::int32_t value;
+};
+
 /// A number, with unit where the dimension has one; both limits included.
 struct NumberRule {
     Dimension dimension;
     double min;
     double max;
     bool whole;
+    std::span<const Word> words = {}; ///< that stand for numbers beyond the limits
 };
 
-/// One of several words.
-struct Word {
-    std::string_view name;
-    std::int32_t value;
-};
 struct WordRule {
     std::span<const Word> words;
 };

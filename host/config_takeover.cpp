@@ -32,6 +32,9 @@ void retireTable(HostServices& host, Settings& old)
 void applied(HostServices& host)
 {
     ++host.generation;
+    if (host.settings.lutMode != kSweepKeep) {
+        host.computedTable = kNoSignal; // the configuration says which table there is
+    }
     if (host.plugin != nullptr) {
         host.plugin->setLogging(static_cast<std::uint32_t>(host.settings.logLevel),
                                 static_cast<std::uint32_t>(host.settings.logSinks),
@@ -71,6 +74,9 @@ bool takeReload(HostServices& host, bool& restart)
     settleReload(host);
     const bool inLoop = host.signalsKept;
     restart = needsRestart(host.settings, offer->settings);
+    if (restart) {
+        host.absence.shape.reset();
+    }
     keepEqualTable(offer->settings, host.settings);
     std::swap(offer->settings, host.settings);
     host.before = std::make_unique<Settings>(std::move(offer->settings));
@@ -104,6 +110,7 @@ bool fallBack(HostServices& host)
         host.formatBeforePass = host.settings.pixelFormat;
     }
     settleReload(host);
+    host.absence.shape.reset();
     applied(host);
     complain("The camera refused the new configuration: the grab goes on with the one before.");
     return true;

@@ -3,6 +3,7 @@
 
 #include "toml_text.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <charconv>
 #include <cmath>
@@ -64,9 +65,27 @@ std::optional<double> numberIn(const toml::node& node, Dimension dimension)
     return node.value<double>();
 }
 
+/// The word that stands for the number, or the number that the word stands for; null = none.
+const Word* wordFor(const NumberRule& rule, double value)
+{
+    const auto word = std::ranges::find(rule.words, value, &Word::value);
+    return word == rule.words.end() ? nullptr : &*word;
+}
+
+const Word* wordFor(const NumberRule& rule, const toml::node& node)
+{
+    const auto given = node.value_exact<std::string_view>();
+    const auto word = given ? std::ranges::find(rule.words, *given, &Word::name) : rule.words.end();
+    return word == rule.words.end() ? nullptr : &*word;
+}
+
 std::string assign(const NumberRule& rule, const toml::node& node, const std::string&,
                    const Slot& slot)
 {
+    if (const Word* const word = wordFor(rule, node)) {
+        storeNumber(word->value, slot);
+        return {};
+    }
     const auto value = numberIn(node, rule.dimension);
     const bool fits = value && *value >= rule.min && *value <= rule.max &&
                       (!rule.whole || *value == std::floor(*value));
@@ -89,11 +108,17 @@ std::string allowed(const NumberRule& rule)
         text += units;
         text += needsUnit(rule.dimension) ? ")" : " or none";
     }
+    for (const Word& word : rule.words) {
+        text += ", or " + tomlText(word.name);
+    }
     return text;
 }
 
 std::string text(const NumberRule& rule, const Slot& slot)
 {
+    if (const Word* const word = wordFor(rule, loadNumber(slot))) {
+        return tomlText(word->name);
+    }
     const std::string value = formatQuantity(loadNumber(slot), rule.dimension);
     const bool hasUnit = value.find(' ') != std::string::npos;
     return hasUnit ? tomlText(value) : value;

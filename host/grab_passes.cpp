@@ -1,10 +1,14 @@
 // The passes of a grab: calls the plug-in until the grab is over, and says how it ended.
 #include "grab_passes.h"
 
+#include "camera_absence.h"
 #include "config_takeover.h"
+#include "inventory_pass.h"
+#include "reconnection.h"
 #include "services.h"
 
 #include <chrono>
+#include <system_error>
 #include <utility>
 
 namespace kxhost {
@@ -26,17 +30,6 @@ constexpr int kPassLost = -10;
 /// Time between two looks for a camera.
 constexpr auto kLookAgain = 500ms;
 
-/// Whether a pass with this result is followed by one with another configuration.
-bool goesOnReconfigured(HostServices& host, int code)
-{
-    const bool startAgain = std::exchange(host.startAgain, false);
-    if (host.signals.finishAsked()) {
-        return false;
-    }
-    const bool refused = code == kPassConfiguration || code == kPassSetUpFailed;
-    return (startAgain && code == kPassFine) || (refused && fallBack(host));
-}
-
 /// How long to wait for a camera, counted from the last pass that had one.
 class Patience {
 public:
@@ -53,30 +46,165 @@ private:
     Clock::time_point start_ = Clock::now();
 };
 
-} // namespace
-
-GrabResult runPasses(const Plugin& plugin)
+PassEnd endOf(int code)
 {
-    HostServices& host = services();
-    Patience patience(host.settings.waitSeconds);
-    while (true) {
-        host.scenario = {}; // what was published lay in the memory of the session before
-        ++host.counts.passes;
-        const int code = plugin.run();
-        if (goesOnReconfigured(host, code)) {
-            patience.renew();
-            continue;
+    switch (code) {
+    case kPassFine:
+    case kPassReconfigurationRefused:
+        return PassEnd::kDone;
+    case kPassNoCamera:
+    case kPassNotOurCamera:
+        return PassEnd::kAbsent;
+    case kPassSetUpFailed:
+    case kPassConfiguration:
+        return PassEnd::kRefused;
+    default:
+        return PassEnd::kBroken;
+    }
+}
+
+/// How it shows that the camera is lost, as the end of a sentence.
+std::string signOfLoss(int code, const std::string& found)
+{
+    switch (code) {
+    case kPassNoCamera:
+    case kPassNotOurCamera:
+        return "it is not on the bus";
+    case kPassSetUpFailed:
+    case kPassConfiguration:
+        return "it could not be set up again";
+    case kPassNoPower:
+        return "it could not be powered up again";
+    default:
+        return found.empty() ? "the camera library gave it up" : found;
+    }
+}
+
+/// All passes of one grab.
+class Passes {
+public:
+    explicit Passes(const Plugin& plugin) : plugin_(plugin) {}
+
+    GrabResult run()
+    {
+        while (true) {
+            const int code = pass();
+            if (goesOnReconfigured(code)) {
+                patience_.renew();
+            } else if (std::optional<GrabResult> end = endOrWait(code)) {
+                return *end;
+            }
         }
-        GrabResult result = describePass(code, host.signals.finishAsked());
-        if (result.exitCode == kExitNoCamera && !patience.isOver()) {
-            host.signals.sleep(kLookAgain);
-            if (!host.signals.finishAsked()) {
-                continue;
+    }
+
+private:
+    int pass()
+    {
+        if (reconnection_.isOn() && host_.counts.retrieved == 0) {
+            identify();
+        }
+        host_.scenario = {}; // what was published lay in the memory of the session before
+        host_.absence.why.clear();
+        ++host_.counts.passes;
+        const int code = plugin_.run();
+        endWidePass(host_);
+        return code;
+    }
+
+    /// A camera that is lost is waited for, and no other one is to be taken instead. So it must be
+    /// known which one it is. Until frames have come, any that is configured will do.
+    void identify()
+    {
+        host_.choice.reset();
+        const CameraChoice choice = choiceOf(host_.settings);
+        if (isOneCamera(choice)) {
+            return;
+        }
+        try {
+            host_.choice = narrowed(choice, takeInventory(plugin_));
+        } catch (const std::system_error&) {
+            // The grab is worth more than the knowledge.
+        }
+    }
+
+    /// Whether the pass is followed by one with another configuration. Where a camera may be lost,
+    /// a refusal is taken for one when the camera repeats it.
+    bool goesOnReconfigured(int code)
+    {
+        const bool startAgain = std::exchange(host_.startAgain, false);
+        if (host_.signals.finishAsked()) {
+            return false;
+        }
+        if (startAgain && code == kPassFine) {
+            return true;
+        }
+        const bool isRepeated = std::exchange(isRefused_, endOf(code) == PassEnd::kRefused);
+        if (!isRefused_ || host_.before == nullptr) {
+            return false;
+        }
+        return (reconnection_.isOn() && !isRepeated) || fallBack(host_);
+    }
+
+    /// How the grab ends; nothing = it goes on, and the time until the next look is over.
+    std::optional<GrabResult> endOrWait(int code)
+    {
+        const bool asked = host_.signals.finishAsked();
+        const std::uint64_t lastFrameUs = host_.counts.lastUs;
+        const auto verdict = reconnection_.passEnded(endOf(code), lastFrameUs, steadyUs());
+        if (asked || verdict == Reconnection::Verdict::kOff) {
+            return endOrWaitForFirst(code, asked);
+        }
+        if (!host_.absence.unfit.empty()) {
+            return GrabResult{kExitCamera, host_.absence.unfit};
+        }
+        cameraLost(host_, signOfLoss(code, host_.absence.why));
+        if (verdict == Reconnection::Verdict::kTooLate) {
+            return GrabResult{kExitCamera,
+                              nameOfCamera(host_) + " was lost and did not come back in time."};
+        }
+        if (verdict == Reconnection::Verdict::kRefused) {
+            return GrabResult{kExitCamera,
+                              nameOfCamera(host_) + " came back, but refused its configuration."};
+        }
+        host_.signals.sleep(reconnection_.pause(steadyUs()));
+        return host_.signals.finishAsked() ? std::optional(askedWhileAway()) : std::nullopt;
+    }
+
+    /// The same where no camera can be lost.
+    std::optional<GrabResult> endOrWaitForFirst(int code, bool asked)
+    {
+        if (asked && host_.absence.isAway) {
+            return askedWhileAway();
+        }
+        GrabResult result = describePass(code, asked);
+        if (result.exitCode == kExitNoCamera && !patience_.isOver()) {
+            host_.signals.sleep(kLookAgain);
+            if (!host_.signals.finishAsked()) {
+                return std::nullopt;
             }
             result = describePass(code, true);
         }
         return result;
     }
+
+    static GrabResult askedWhileAway()
+    {
+        return {kExitFine, "Finished as asked by a signal, while the camera was away."};
+    }
+
+    const Plugin& plugin_;
+    HostServices& host_ = services();
+    Patience patience_{host_.settings.waitSeconds};
+    Reconnection reconnection_{host_.settings.reconnectSeconds};
+    bool isRefused_ =
+        false; ///< the last pass ended so that the camera may have refused to be set up
+};
+
+} // namespace
+
+GrabResult runPasses(const Plugin& plugin)
+{
+    return Passes(plugin).run();
 }
 
 GrabResult describePass(int code, bool asked)

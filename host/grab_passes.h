@@ -16,10 +16,10 @@ struct GrabResult {
     bool abandoned = false; ///< the plug-in is still at it and will not be waited for
 };
 
-/// Calls the plug-in again while it waits for a camera, and when it has ended a pass for a new
-/// configuration; one that the camera refuses is replaced by the one before. Frames and counters
-/// run on. Ends when a pass says something else, the time to wait for a camera is over, or the end
-/// is asked for. For the grab thread.
+/// Calls the plug-in again while it waits for a camera, when it has ended a pass for a new
+/// configuration (one that the camera refuses is replaced by the one before), and when the camera
+/// was lost. Frames and counters run on. Ends when a pass says something else, the time to wait for
+/// a camera is over, or the end is asked for. For the grab thread.
 GrabResult runPasses(const Plugin& plugin);
 
 /// What a pass that ended with this code means; `asked` = the end had been asked for.

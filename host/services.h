@@ -2,6 +2,9 @@
 #ifndef KXHOST_SERVICES_H
 #define KXHOST_SERVICES_H
 
+#include "camera_absence.h"
+#include "camera_choice.h"
+#include "camera_watch.h"
 #include "clock_recorder.h"
 #include "config_offer.h"
 #include "export_queue.h"
@@ -29,6 +32,12 @@ public:
     NoFrameToStopAt() : std::runtime_error("asked to finish while no frame arrives") {}
 };
 
+/// Thrown through the grab loop when the camera is taken for lost, or of no use any more.
+class CameraLost : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
 /// The state of the host. The plug-in calls plain functions, so there is one per process.
 /// `counts`, `signals`, `offers` and `signalsKept` may be used from any thread, everything else by
 /// the grab thread, or before and after it has run.
@@ -44,13 +53,19 @@ struct HostServices {
     FrameMemory pool;
     Scenario scenario;
 
+    // The camera: which one, and whether it is there.
+    std::optional<CameraChoice> choice; ///< in place of that of the settings
+    CameraWatch watch;
+    CameraAbsence absence;
+
     // Changes of the configuration.
     std::uint32_t generation = 1;     ///< of the settings; rises with each change in force
     std::unique_ptr<Settings> before; ///< what a reload has replaced, while there is a way back
     std::vector<std::vector<std::uint16_t>> oldTables; ///< look-up tables that were in force
     std::optional<std::int32_t> formatBeforePass;      ///< pixel format, while a pass has its own
-    bool startAgain = false;            ///< the plug-in ended its session for a new configuration
-    std::uint32_t distributionBits = 8; ///< of the distribution that was added up last
+    bool startAgain = false;              ///< the plug-in ended its session for a new configuration
+    std::uint32_t distributionBits = 8;   ///< of the distribution that was added up last
+    SignalCode computedTable = kNoSignal; ///< asked for the table that was computed last
 
     // The grab loop's passage from frame to frame.
     std::atomic<bool> signalsKept = false; ///< between ResetTermSigProc and SetTermSigProc

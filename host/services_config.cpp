@@ -12,6 +12,19 @@ const kxhost::Settings& settings()
     return kxhost::services().settings;
 }
 
+/// Which camera is looked for.
+struct Sought {
+    const std::string& model;
+    const std::string& serial;
+    std::uint32_t busMask;
+};
+Sought sought()
+{
+    const std::optional<kxhost::CameraChoice>& choice = kxhost::services().choice;
+    return choice ? Sought{choice->model, choice->serial, choice->busMask}
+                  : Sought{settings().model, settings().serial, settings().busMask};
+}
+
 /// The setting number `set`; a neutral one for numbers that do not exist.
 const kxhost::IoboxSetting& iobox(int set)
 {
@@ -26,19 +39,19 @@ const kxhost::IoboxSetting& iobox(int set)
 /// model.
 const char* KxGiMainCtx__GetModelStr()
 {
-    const bool maskAlone =
-        settings().model.empty() && settings().serial.empty() && settings().busMask != 0;
-    return maskAlone ? nullptr : settings().model.c_str();
+    const auto [model, serial, busMask] = sought();
+    const bool maskAlone = model.empty() && serial.empty() && busMask != 0;
+    return maskAlone ? nullptr : model.c_str();
 }
 
 const char* KxGiMainCtx__GetIdStr()
 {
-    return settings().serial.c_str();
+    return sought().serial.c_str();
 }
 
 uint32_t KxGiMainCtx__GetActiveCamMask()
 {
-    return settings().busMask;
+    return sought().busMask;
 }
 
 uint32_t KxGiMainCtx__GetDatachunk()

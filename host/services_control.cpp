@@ -14,6 +14,13 @@ namespace {
 /// Failed retrievals in a row after which a grab that was asked to finish is not waited for.
 constexpr unsigned kMissingUntilThrow = 2;
 
+/// A camera that did not tell its temperature has one below this.
+bool isTemperature(float celsius)
+{
+    constexpr float kAbsoluteZero = -273.15F;
+    return celsius >= kAbsoluteZero;
+}
+
 /// This computer's clock, which frames are stamped with.
 std::uint64_t sinceEpochUs()
 {
@@ -79,6 +86,7 @@ void KxGi__ResetTermSigProc()
     host.firstFrame = true;
     host.missingInRow = 0;
     host.lastCounter.reset();
+    host.watch.start(kxhost::steadyUs());
 }
 
 void KxGi__SetTermSigProc()
@@ -92,10 +100,14 @@ void KxGi__SetCurrFpsUs(uint32_t periodUs)
     services().counts.framePeriodUs = periodUs;
 }
 
-void KxGi__HaltStop(int, int, float)
+void KxGi__HaltStop(int width, int height, float celsius)
 {
     kxhost::HostServices& host = services();
     const std::uint64_t now = kxhost::steadyUs();
+    host.watch.frameArrived(now, isTemperature(celsius));
+    if (host.firstFrame) {
+        kxhost::captureDelivers(host, static_cast<uint32_t>(width), static_cast<uint32_t>(height));
+    }
     if (host.counts.retrieved++ == 0) {
         host.counts.firstUs = now;
     }
@@ -111,16 +123,20 @@ void KxGi__HaltStop(int, int, float)
     host.signals.frameArrived();
 }
 
-/// The loop acts on signals after a frame only. When none comes, an exception ends it instead.
-void KxGi__HaltUpdate(int, float)
+/// The loop acts on signals after a frame only. When none comes, an exception ends it instead, as
+/// it does when the camera has to be taken for lost.
+void KxGi__HaltUpdate(int, float celsius)
 {
     kxhost::HostServices& host = services();
     ++host.counts.missing;
     host.signals.frameMissing();
-    if (!host.signals.finishPending() || ++host.missingInRow < kMissingUntilThrow) {
-        return;
+    if (host.signals.finishPending() && ++host.missingInRow >= kMissingUntilThrow) {
+        throw kxhost::NoFrameToStopAt();
     }
-    throw kxhost::NoFrameToStopAt();
+    host.absence.why = kxhost::whyLost(host, isTemperature(celsius));
+    if (!host.absence.why.empty()) {
+        throw kxhost::CameraLost(host.absence.why);
+    }
 }
 
 /// This host has no other grabbers to trigger.

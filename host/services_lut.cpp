@@ -44,7 +44,8 @@ void KxGi__CalcLutDynam(const void* pixels, uint32_t width, uint32_t height, uin
 /// The distribution is the one that was added up last; its size is not said again.
 void KxGi__GetLutDynam(uint32_t outputBits, const uint32_t* cdf, uint32_t inputBits, uint16_t* lut)
 {
-    const kxhost::HostServices& host = services();
+    kxhost::HostServices& host = services();
+    host.computedTable = host.formatBeforePass ? kxhost::kLut12 : kxhost::kLut;
     kxhost::equalise({cdf, std::size_t{1} << host.distributionBits}, host.settings.lutClipLimit,
                      inputBits, {lut, std::size_t{1} << outputBits});
 }

@@ -17,6 +17,9 @@ namespace kxhost {
 constexpr std::uint32_t kKeep = 0xFFFFFFFF;
 constexpr std::int32_t kKeepSigned = -1;
 
+/// Of times that may have no end.
+constexpr std::int32_t kWithoutEnd = -1;
+
 /// Modes of gain, exposure time and look-up table, as the getters give them.
 enum SweepMode : std::int32_t { kSweepKeep = 0, kSweepManual = 1, kSweepAuto = 2 };
 
@@ -57,7 +60,9 @@ struct Settings {
     std::string model;
     std::string serial;
     std::uint32_t busMask = 0;
-    double waitSeconds = -1; ///< time limit of waiting for a camera; negative = none
+    double waitSeconds = -1;               ///< time limit of waiting for a camera; negative = none
+    double reconnectSeconds = kWithoutEnd; ///< the same for one that was lost; 0 = it is not waited
+    double silenceSeconds = 30; ///< without a frame the camera is lost then; negative = never
 
     std::uint32_t packetSize = 0; ///< bytes; 0 = the plug-in's default
     std::uint32_t buffers = 8;

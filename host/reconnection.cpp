@@ -1,0 +1,49 @@
+// Decides whether a grab waits for a camera that was lost, and for how long.
+#include "reconnection.h"
+
+#include <algorithm>
+
+namespace kxhost {
+namespace {
+
+/// A camera that leaves the bus again while it is set up looks like one that refuses. One that
+/// does so several times in a row is always there.
+constexpr unsigned kMostRefusals = 3;
+
+constexpr std::chrono::milliseconds kLookAgain{500};
+
+} // namespace
+
+Reconnection::Verdict Reconnection::passEnded(PassEnd end, std::uint64_t lastFrameUs,
+                                              std::uint64_t nowUs)
+{
+    if (lastFrameUs != lastFrameUs_) {
+        lastFrameUs_ = lastFrameUs;
+        refusals_ = 0;
+    }
+    if (!isOn() || lastFrameUs == 0 || end == PassEnd::kDone) {
+        return Verdict::kOff;
+    }
+    refusals_ = end == PassEnd::kRefused ? refusals_ + 1 : 0;
+    if (refusals_ == kMostRefusals) {
+        return Verdict::kRefused;
+    }
+    return seconds_ >= 0 && secondsAway(nowUs) >= seconds_ ? Verdict::kTooLate : Verdict::kWait;
+}
+
+std::chrono::milliseconds Reconnection::pause(std::uint64_t nowUs) const
+{
+    if (seconds_ < 0) {
+        return kLookAgain;
+    }
+    const std::chrono::duration<double> left(std::max(0.0, seconds_ - secondsAway(nowUs)));
+    return std::min(kLookAgain, std::chrono::ceil<std::chrono::milliseconds>(left));
+}
+
+double Reconnection::secondsAway(std::uint64_t nowUs) const
+{
+    constexpr double kUsPerSecond = 1e6;
+    return static_cast<double>(nowUs - lastFrameUs_) / kUsPerSecond;
+}
+
+} // namespace kxhost
