@@ -70,6 +70,7 @@ void isBack(HostServices& host, const FrameShape& shape, double secondsAway)
         throw CameraLost(host.absence.unfit);
     }
     host.absence.isAway = false;
+    host.absence.secondsBefore = static_cast<float>(secondsAway);
     complain(timeOfDay() + " " + nameOfCamera(host) + " is back after " + seconds(secondsAway) +
              ": the grab goes on with frame " + std::to_string(host.counts.exported + 1) + ".");
     askForTable(host);

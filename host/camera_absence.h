@@ -21,10 +21,11 @@ struct FrameShape {
 
 /// What is remembered of a camera that may be lost. For the grab thread.
 struct CameraAbsence {
-    bool isAway = false;             ///< from the end of its last pass until its next frame
-    std::string why;                 ///< the host ended the pass; part of a sentence
-    std::string unfit;               ///< it is back, but of no use; one sentence
-    std::optional<FrameShape> shape; ///< of the last capture; nothing = any will do
+    bool isAway = false;                ///< from the end of its last pass until its next frame
+    std::optional<float> secondsBefore; ///< the next exported frame, when it lies behind a gap
+    std::string why;                    ///< the host ended the pass; part of a sentence
+    std::string unfit;                  ///< it is back, but of no use; one sentence
+    std::optional<FrameShape> shape;    ///< of the last capture; nothing = any will do
 };
 
 // All of these are for the grab thread.

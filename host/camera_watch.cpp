@@ -12,7 +12,6 @@ constexpr unsigned kMostUnanswered = 3;
 void CameraWatch::start(std::uint64_t nowUs)
 {
     lastUs_ = nowUs;
-    hasAnswered_ = false;
     unansweredInRow_ = 0;
 }
 

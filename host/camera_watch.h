@@ -15,7 +15,7 @@ class CameraWatch {
 public:
     enum class Finding {
         kThere,
-        kGone,   ///< it answered in this capture, and does not any more
+        kGone,   ///< it has answered before, and does not any more
         kSilent, ///< it delivered nothing for too long
     };
 

@@ -41,7 +41,8 @@ struct ScenarioValues {
     std::optional<std::uint32_t> rxData;
     std::optional<std::uint32_t> rxBits;
     std::optional<std::uint32_t>
-        configuration; ///< the host's own: how often it had changed, plus 1
+        configuration;                ///< the host's own: how often it had changed, plus 1
+    std::optional<float> awaySeconds; ///< the host's own: how long the camera was lost before it
 };
 
 } // namespace kxhost

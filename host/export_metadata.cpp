@@ -75,6 +75,7 @@ std::string metadataLine(std::uint64_t number, const ScenarioValues& values,
     addIfSet(object, "rx_data", values.rxData);
     addIfSet(object, "rx_bits", values.rxBits);
     addIfSet(object, "configuration", values.configuration);
+    addIfSet(object, "camera_away_s", values.awaySeconds);
     object["pictures"] = Json::array();
     for (const PictureRecord& picture : pictures) {
         object["pictures"].push_back(pictureJson(picture));

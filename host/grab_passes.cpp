@@ -4,6 +4,7 @@
 #include "camera_absence.h"
 #include "config_takeover.h"
 #include "inventory_pass.h"
+#include "quantity.h"
 #include "reconnection.h"
 #include "services.h"
 
@@ -159,8 +160,10 @@ private:
         }
         cameraLost(host_, signOfLoss(code, host_.absence.why));
         if (verdict == Reconnection::Verdict::kTooLate) {
-            return GrabResult{kExitCamera,
-                              nameOfCamera(host_) + " was lost and did not come back in time."};
+            return GrabResult{
+                kExitCamera,
+                nameOfCamera(host_) + " was lost and did not come back within " +
+                    formatQuantity(host_.settings.reconnectSeconds, Dimension::kSeconds) + "."};
         }
         if (verdict == Reconnection::Verdict::kRefused) {
             return GrabResult{kExitCamera,
@@ -177,6 +180,9 @@ private:
             return askedWhileAway();
         }
         GrabResult result = describePass(code, asked);
+        if (code == kPassLost && !asked && !host_.absence.why.empty()) {
+            result.reason = "The camera was lost: " + host_.absence.why + ".";
+        }
         if (result.exitCode == kExitNoCamera && !patience_.isOver()) {
             host_.signals.sleep(kLookAgain);
             if (!host_.signals.finishAsked()) {
@@ -196,8 +202,7 @@ private:
     HostServices& host_ = services();
     Patience patience_{host_.settings.waitSeconds};
     Reconnection reconnection_{host_.settings.reconnectSeconds};
-    bool isRefused_ =
-        false; ///< the last pass ended so that the camera may have refused to be set up
+    bool isRefused_ = false; ///< the last pass could not set the camera up
 };
 
 } // namespace

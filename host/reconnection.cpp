@@ -11,6 +11,7 @@ namespace {
 constexpr unsigned kMostRefusals = 3;
 
 constexpr std::chrono::milliseconds kLookAgain{500};
+constexpr double kUsPerSecond = 1e6;
 
 } // namespace
 
@@ -36,13 +37,14 @@ std::chrono::milliseconds Reconnection::pause(std::uint64_t nowUs) const
     if (seconds_ < 0) {
         return kLookAgain;
     }
-    const std::chrono::duration<double> left(std::max(0.0, seconds_ - secondsAway(nowUs)));
+    const auto limitUs = static_cast<std::int64_t>(seconds_ * kUsPerSecond);
+    const auto awayUs = static_cast<std::int64_t>(nowUs - lastFrameUs_);
+    const std::chrono::microseconds left(std::max<std::int64_t>(0, limitUs - awayUs));
     return std::min(kLookAgain, std::chrono::ceil<std::chrono::milliseconds>(left));
 }
 
 double Reconnection::secondsAway(std::uint64_t nowUs) const
 {
-    constexpr double kUsPerSecond = 1e6;
     return static_cast<double>(nowUs - lastFrameUs_) / kUsPerSecond;
 }
 

@@ -69,6 +69,7 @@ ScenarioValues Scenario::read() const
         .rxData = hasWord ? readAs<std::uint32_t>(values_, kKxScRxData) : std::nullopt,
         .rxBits = hasWord ? std::optional(rxBits) : std::nullopt,
         .configuration = {},
+        .awaySeconds = {},
     };
 }
 

@@ -4,6 +4,7 @@
 #include "services.h"
 
 #include <cstdio>
+#include <utility>
 
 using kxhost::HostServices;
 using kxhost::Instance;
@@ -174,6 +175,7 @@ void KxSc__ProcExport(uint64_t timestampUs)
     kxhost::ScenarioValues values = host.scenario.read();
     if (host.queue != nullptr) {
         values.configuration = host.generation;
+        values.awaySeconds = std::exchange(host.absence.secondsBefore, {});
         host.queue->commit(timestampUs, values);
     }
     if (host.clock != nullptr) {

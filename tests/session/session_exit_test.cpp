@@ -110,6 +110,7 @@ kind = "detach"
 frame = 4
 )");
     session.set("grab.frames=100");
+    session.arguments = {"--reconnect", "no"};
     const Finished finished = session.run();
     EXPECT_EQ(finished.code, kCamera) << finished.err;
     expectOneSentence(finished.err, "lost");

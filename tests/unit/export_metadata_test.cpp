@@ -27,11 +27,12 @@ TEST(ExportMetadata, HoldsEveryScenarioParameter)
     values.rxData = 0xFFFFFFFF;
     values.rxBits = 12;
     values.configuration = 2;
+    values.awaySeconds = 2.5F;
     EXPECT_EQ(metadataLine(3, values, {}),
               R"({"number":3,"timestamp_us":1700000000123456,"camera_time_us":127999968,)"
               R"("frame_counter":7,"width":640,"height":480,"codec":"MONO8T","gain_db":5.3,)"
               R"("exposure_us":9999.5,"unit":1000,"rx_data":4294967295,"rx_bits":12,)"
-              R"("configuration":2,"pictures":[]})"
+              R"("configuration":2,"camera_away_s":2.5,"pictures":[]})"
               "\n");
 }
 

@@ -11,7 +11,8 @@ namespace kxhost {
 namespace {
 
 constexpr std::string_view kOnlyAtStart =
-    "camera.model camera.serial camera.bus_mask camera.wait grab.frames grab.max_losses grab.watch "
+    "camera.model camera.serial camera.bus_mask camera.wait camera.reconnect camera.silence "
+    "grab.frames grab.max_losses grab.watch "
     "log.sinks "
     "log.id output.folder output.prefix output.format output.bayer output.compression "
     "output.metadata output.overwrite output.queue output.when_full output.writers ";
