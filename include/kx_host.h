@@ -77,13 +77,13 @@ int32_t KxGiMainCtx__GetTsadjns(void);
 uint16_t KxGiMainCtx__GetLutBitSize(void);
 /// The configured look-up table: 512 entries, null = none.
 const uint16_t* KxGiMainCtx__GetLutDataU16(void);
-/// Number of IoBox pin settings, and the fields of setting number `set` (0 based).
+/// Number of IoBox pin settings, and the fields of setting `set` (0 based), as in kx_iobox.h.
 uint32_t KxGiMainCtx__GetIoboxNum(void);
 int32_t KxGiMainCtx__GetIoboxPin(int set);
 int32_t KxGiMainCtx__GetIoboxMod(int set);
 int32_t KxGiMainCtx__GetIoboxInv(int set);
 int32_t KxGiMainCtx__GetIoboxSrc(int set);
-/// Parameter `which` (0 or 1) of IoBox setting number `set`.
+/// Parameter `which` (0 or 1) of IoBox setting number `set`; kx_iobox.h says what it is.
 int32_t KxGiMainCtx__GetIoboxPar(int set, int which);
 
 // ---- Host control.

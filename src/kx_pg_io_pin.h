@@ -29,7 +29,7 @@ constexpr bool isStrobe(std::uint8_t source)
 
 /// A pin as it is configured, and how far its data has come.
 ///
-/// The grab thread writes what is configured (`param0` to `cfgDirty` in its list) of a pin that is
+/// The grab thread writes what is configured (parameters, mode, source, inversion) of a pin that is
 /// free while no configuration is pending, and hands it over by `cfgDirty`; all else is the control
 /// thread's, which gives a pin back by `pinFree`. Both access records by the functions of
 /// kx_pg_shared.h only, since a pin may be looked at while the other thread works on it.

@@ -19,9 +19,9 @@ struct LineTiming {
     std::uint64_t frameEndUs;  ///< idle times from here on end a frame; so does an endless pulse
 };
 
-/// Borders for a sender with that half period, whose symbols are 21 and whose frames are 41 half
-/// periods apart. What delays such a sender only lengthens its times, so the borders are near the
-/// longer neighbour's side.
+/// Borders for a sender with that half period: 20 or 21 of them between symbols, 41 behind a
+/// frame. What delays such a sender only lengthens its times, so the borders are near the longer
+/// neighbour's side.
 LineTiming timingOfSender(std::uint64_t halfPeriodUs);
 
 /// What was heard between two frame ends.

@@ -299,6 +299,22 @@ TEST_F(GrabLoopTest, KeepsLineDataOfARefusedFrame)
     EXPECT_EQ(host().exports[0].numbers.at(kKxScRxBits), 2);
 }
 
+TEST_F(GrabLoopTest, KeepsLineDataThatComesDuringAnExport)
+{
+    host().onCall = [this](std::string_view name) {
+        if (name == "KxSc__ProcExport" && host().exports.empty()) {
+            cam_->rxData = 0xABCD;
+            cam_->rxBits = 16;
+        }
+    };
+    ASSERT_EQ(grab(3), 0);
+    ASSERT_THAT(host().exports, SizeIs(2));
+    EXPECT_EQ(host().exports[0].numbers.count(kKxScRxBits), 0U);
+    EXPECT_EQ(host().exports[1].numbers.at(kKxScRxData), 0xABCD);
+    EXPECT_EQ(host().exports[1].numbers.at(kKxScRxBits), 16);
+    EXPECT_EQ(cam_->rxBits, 0U);
+}
+
 TEST_F(GrabLoopTest, IgnoresAFailedStopAndAFailedClock)
 {
     failCalls("StopCapture");

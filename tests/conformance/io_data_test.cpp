@@ -349,7 +349,10 @@ TEST_F(IoReplyTest, ALineThatRestsHighIsLearnt)
     pin(1).idleCount = 0;
     hold(true, 3);
     EXPECT_EQ(pin(1).idleLevel, 1);
+    EXPECT_THAT(rxLogs(), Contains(timedLine(" pin 1 RX: got initial line level, lineBit 1")));
     hold(false, 3);
+    EXPECT_THAT(rxLogs(), Contains(HasSubstr("data start, lineBit 0 (TO curr val = 496)")));
+    EXPECT_THAT(journal().logsWith("RX: lineBit 0 (loops remains 495)"), SizeIs(1));
     hold(true, 12);
     hold(false, 3);
     hold(true, 36);
@@ -407,6 +410,14 @@ TEST_F(IoReplyTest, NothingOnTheLineTimesOut)
                 ElementsAre(warning(kFunction, " pin 1 RX: initial waiting is timed out - last "
                                                "lineBit 0")));
     EXPECT_FALSE(done_);
+    expectOver();
+}
+
+TEST_F(IoReplyTest, ALineThatStaysHighTimesOut)
+{
+    arm(5, 12);
+    hold(true, 4);
+    EXPECT_THAT(warnings(), ElementsAre(HasSubstr("timed out - last lineBit 1")));
     expectOver();
 }
 
