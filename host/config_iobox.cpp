@@ -148,7 +148,7 @@ std::string onMode(const Entry& entry)
         return onDataOutput(entry);
     }
     if (setting.source == kPinNoSource && setting.mode != kPinOff) {
-        return "has no effect without source";
+        return "only switches a strobe off: there is no source";
     }
     return setting.source == kPinStrobe && setting.mode == kPinInput
                ? "switches the strobe off: it takes mode = \"output\""

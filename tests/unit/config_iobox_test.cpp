@@ -159,10 +159,12 @@ INSTANTIATE_TEST_SUITE_P(
         HintCase{"StrobeOffIsFine", pin("mode = \"off\"\nsource = \"strobe\""), {}},
         HintCase{"OutputOfNothing",
                  pin("mode = \"output\""),
-                 {"camera.toml:3: iobox.mode = \"output\": has no effect without source"}},
+                 {"camera.toml:3: iobox.mode = \"output\": only switches a strobe off: there is no "
+                  "source"}},
         HintCase{"InputOfNothing",
                  pin("mode = \"input\"\nsource = \"none\""),
-                 {"camera.toml:3: iobox.mode = \"input\": has no effect without source"}},
+                 {"camera.toml:3: iobox.mode = \"input\": only switches a strobe off: there is no "
+                  "source"}},
         HintCase{"StrobeWithoutMode",
                  pin("source = \"strobe\""),
                  {"camera.toml:3: iobox.source = \"strobe\": switches the strobe off: it takes "
