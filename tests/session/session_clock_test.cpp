@@ -180,7 +180,8 @@ TEST_F(SessionClock, ACameraThatIsLostEndsItWithWhatThereIs)
 {
     const Finished finished =
         run({"--seconds", "60", "--json", "--quiet"},
-            busOf("detach_throws = \"gone\"\n[[camera.fault]]\nkind = \"detach\"\nframe = 60\n"));
+            busOf("detach_throws = \"gone\"\n[[camera.fault]]\nkind = \"detach\"\nframe = 60\n"
+                  "count = 1000\n"));
     EXPECT_EQ(finished.code, 5) << finished.err;
     const Json report = Json::parse(finished.out);
     EXPECT_EQ(report["exit_code"], 5);
