@@ -175,7 +175,7 @@ std::vector<Nonsense> bufferCounts(const std::string& service)
             inner();
             static std::byte slots[4 * 65'536];
             host().bufPtr = [](std::uint32_t index) {
-                return index < 4 ? &slots[index * 65'536] : nullptr;
+                return index < 4 ? &slots[std::size_t{index} * 65'536] : nullptr;
             };
         };
     }

@@ -50,7 +50,7 @@ class NonsenseHostTest : public kxtest::PluginTest,
                          public testing::WithParamInterface<std::size_t> {
 protected:
     NonsenseHostTest() { gKxLogLevelLib = 4; }
-    ~NonsenseHostTest() override { clearNonsense(); }
+    void TearDown() override { clearNonsense(); }
 
     /// A run as it should be.
     static Outcome reference(const Session& session)
@@ -170,7 +170,8 @@ TEST_P(NonsenseHostTest, EachServiceThrows)
             watch(name);
             putOnBus(session);
             const kxtest::ProcessResources before = kxtest::processResources();
-            const Outcome outcome = runSession(session, [&] { throwAt(service, call.number); });
+            const Outcome outcome =
+                runSession(session, [&thrower = service, &call] { throwAt(thrower, call.number); });
             ++triedThrows;
             if (call.inLoop) {
                 EXPECT_EQ(outcome.code, -10) << outcome.text();

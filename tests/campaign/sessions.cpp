@@ -13,7 +13,6 @@
 #include <string_view>
 #include <thread>
 
-using kxtest::CameraText;
 using kxtest::host;
 using kxtest::HostConfig;
 

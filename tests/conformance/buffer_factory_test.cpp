@@ -145,7 +145,7 @@ TEST_F(BufferFactoryTest, IsNotHeldUpByACountThatIsNotTrue)
     EXPECT_EQ(journal().count("KxGiMem__GetBufPtr"), 1U + 3U);
     EXPECT_THAT(journal().logsWith("AllocBuffer: "), SizeIs(3));
     // The same few again and again.
-    host().bufPtr = [](std::uint32_t index) { return address(index % 2 * 4096); };
+    host().bufPtr = [](std::uint32_t index) { return address(std::ptrdiff_t{index % 2} * 4096); };
     journal().clear();
     EXPECT_EQ(factory_.GetBuffer(&size, kAnyNumber), nullptr);
     EXPECT_THAT(journal().logsWith("AllocBuffer: "), SizeIs(1001));

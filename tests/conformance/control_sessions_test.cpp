@@ -1,6 +1,7 @@
 // Sessions in a row, each with a control thread and a word on its way: they leave nothing behind.
 #include "io_fixture.h"
 #include "process_resources.h"
+#include "sanitizer.h"
 #include "system_calls.h"
 
 #include <algorithm>
@@ -64,6 +65,9 @@ protected:
 
 TEST_F(ControlSessionsTest, LeaveNothingBehind)
 {
+    if (!kxtest::kMayCancel) {
+        GTEST_SKIP() << kxtest::kMayNotCancel;
+    }
     // The first ones fill what is kept for the life of the process.
     const ProcessResources before = after(16);
     const ProcessResources later = after(kxtest::sessionsToRun(32));

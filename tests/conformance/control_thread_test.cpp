@@ -1,5 +1,6 @@
 // The control thread: how it is started and stopped, and its loop.
 #include "io_fixture.h"
+#include "sanitizer.h"
 #include "system_calls.h"
 
 #include <algorithm>
@@ -145,6 +146,9 @@ TEST_F(ControlThreadTest, MayBeStoppedBeforeItCameToLife)
 
 TEST_F(ControlThreadTest, IsCancelledWhenItDoesNotStop)
 {
+    if (!kxtest::kMayCancel) {
+        GTEST_SKIP() << kxtest::kMayNotCancel;
+    }
     std::atomic<bool> stuck{false};
     kxtest::onUsleep([&stuck](bool realTime) {
         if (realTime) {
@@ -164,6 +168,9 @@ TEST_F(ControlThreadTest, IsCancelledWhenItDoesNotStop)
 
 TEST_F(ControlThreadTest, IsCancelledInTheMiddleOfAWord)
 {
+    if (!kxtest::kMayCancel) {
+        GTEST_SKIP() << kxtest::kMayNotCancel;
+    }
     // The sender's pause never ends.
     std::atomic<bool> sending{false};
     kxtest::onUsleep([&sending, this](bool realTime) {

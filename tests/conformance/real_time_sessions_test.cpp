@@ -7,6 +7,7 @@
 #include "kx_pg_shared.h"
 #include "process_resources.h"
 #include "recording_host.h"
+#include "sanitizer.h"
 #include "sim_control.h"
 #include "stdout_capture.h"
 #include "test_bus.h"
@@ -167,6 +168,9 @@ protected:
 
 TEST_F(RealTimeSessionsTest, LeaveNothingBehind)
 {
+    if (!kxtest::kMayCancel) {
+        GTEST_SKIP() << kxtest::kMayNotCancel;
+    }
     const ProcessResources before = after(4);
     const ProcessResources later = after(kxtest::sessionsToRun(4));
     EXPECT_EQ(later.threads, before.threads);
@@ -176,6 +180,9 @@ TEST_F(RealTimeSessionsTest, LeaveNothingBehind)
 
 TEST_F(RealTimeSessionsTest, AThreadThatSendsALongWordIsCancelled)
 {
+    if (!kxtest::kMayCancel) {
+        GTEST_SKIP() << kxtest::kMayNotCancel;
+    }
     std::vector<std::string> lines;
     // The word takes a second; if this thread is held up as long, it comes too late.
     constexpr int kAttempts = 5;
@@ -219,6 +226,9 @@ TEST_F(RealTimeSessionsTest, ACameraThatIsPulledOutEndsTheThread)
 
 TEST_F(RealTimeSessionsTest, ACameraThatIsPulledOutWhileItGrabsAndSendsEndsTheSession)
 {
+    if (!kxtest::kMayCancel) {
+        GTEST_SKIP() << kxtest::kMayNotCancel;
+    }
     host().onCall = [](std::string_view name) {
         if (name == "KxSc__ProcExport" && isReached(Stage::sends)) {
             fcsim::setAttached(kSerial, false);

@@ -57,7 +57,6 @@ TEST_F(GpioBankTest, EachPinHasItsRegister)
 
 TEST_F(GpioBankTest, APinThatIsNotThereReadsZero)
 {
-    connect();
     ASSERT_EQ(fcsim::loadBus("[[camera]]\nmodel = \"T\"\nserial = 7001\ninterface = \"usb3\"\n"
                              "gpio_pins = 1\n[camera.sensor]\nwidth = 64\nheight = 32\n",
                              "test.toml"),
