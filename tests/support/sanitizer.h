@@ -4,8 +4,8 @@
 
 namespace kxtest {
 
-/// Whether a thread may be cancelled. AddressSanitizer does not see that a cancelled thread leaves its
-/// frames, and takes what lies on the stack there afterwards for a fault.
+/// Whether a thread may be cancelled. AddressSanitizer does not see that a cancelled thread leaves
+/// its frames, and takes what lies on the stack there afterwards for a fault.
 #ifdef __SANITIZE_ADDRESS__
 inline constexpr bool kMayCancel = false;
 #else
