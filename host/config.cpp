@@ -108,7 +108,8 @@ private:
         }
         if (tables->size() > kMaxIobox) {
             report(tables->get(kMaxIobox)->source(), "there may be " + std::to_string(kMaxIobox) +
-                                      " [[iobox]] settings, not " + std::to_string(tables->size()));
+                                                         " [[iobox]] settings, not " +
+                                                         std::to_string(tables->size()));
             return;
         }
         configuration_.settings.iobox.resize(tables->size());

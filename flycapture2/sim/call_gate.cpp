@@ -108,8 +108,8 @@ void WatchedCall::record() const
     Watch& all = watch();
     const std::lock_guard lock(all.mutex);
     if (all.recording) {
-        all.calls.push_back({call_.object, call_.operation, arguments_, result_,
-                             std::this_thread::get_id()});
+        all.calls.push_back(
+            {call_.object, call_.operation, arguments_, result_, std::this_thread::get_id()});
     }
 }
 

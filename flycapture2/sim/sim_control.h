@@ -65,8 +65,8 @@ struct Fault {
     bool throwsOther = false;  ///< throw an object that is no std::exception instead
     bool detach = false;       ///< the camera leaves the bus with this fault (IsConnected: false)
     std::uint64_t backAfterUs = 0; ///< detach: and is plugged in again so much later; 0 = it is not
-    bool skipEffect = false;   ///< answer OK but do nothing (outputs stay as the caller set them)
-    unsigned serial = 0;       ///< only calls to the camera with this serial number; 0 = all calls
+    bool skipEffect = false; ///< answer OK but do nothing (outputs stay as the caller set them)
+    unsigned serial = 0;     ///< only calls to the camera with this serial number; 0 = all calls
 };
 FCSIM_API void addFault(const Fault& fault);
 FCSIM_API void clearFaults();
