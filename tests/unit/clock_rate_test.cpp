@@ -66,8 +66,11 @@ TEST(ClockRate, NeedsTimeBetweenThem)
 TEST(ClockRate, FramesThatArriveInBurstsAreFine)
 {
     std::vector<Point> delays;
+    delays.reserve(400);
     for (int i = 0; i < 400; ++i) { // four at a time, the last one without delay
-        delays.push_back({i / 4 * 0.04, std::round(2 * i / 4 * 0.04 + (3 - i % 4) * 10'000)});
+        const int burst = i / 4;
+        const double at = burst * 0.04;
+        delays.push_back({at, std::round(2 * at + (3 - i % 4) * 10'000)});
     }
     const RateFit fit = fitRate(delays).value();
     EXPECT_NEAR(fit.line.slope, 2, 0.5);
@@ -95,7 +98,7 @@ TEST_P(ClockRateCoverage, TheTrueRateLiesWithinTheUncertaintyAsOftenAsIsSaid)
         constexpr int kRuns = 400;
         int held = 0;
         for (int run = 0; run < kRuns; ++run) {
-            Random random(static_cast<unsigned>(run) * 7919U + frames);
+            Random random(static_cast<std::size_t>(run) * 7919U + frames);
             const double slope = 100 * (share(random) - 0.5);
             const RateFit fit =
                 fitRate(delaysOf(frames, slope, [&] { return GetParam().us(random); })).value();
@@ -164,6 +167,7 @@ RC_GTEST_PROP(ClockRate, ShiftsAndSlopesGoThroughUnchanged, ())
     const double later = *rc::gen::inRange(-1'000'000, 1'000'000);
     const double slope = *rc::gen::inRange(-1000, 1000);
     std::vector<Point> moved;
+    moved.reserve(delays.size());
     for (const Point& delay : delays) {
         moved.push_back({delay.x + later, delay.y + more + slope * delay.x});
     }

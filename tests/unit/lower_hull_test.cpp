@@ -70,6 +70,7 @@ std::vector<Point> anyPoints()
         rc::gen::pair(rc::gen::inRange(-50, 50), rc::gen::inRange(-100, 100))));
     std::ranges::sort(pairs, {}, &std::pair<int, int>::first);
     std::vector<Point> points;
+    points.reserve(pairs.size());
     for (const auto& [x, y] : pairs) {
         points.push_back({static_cast<double>(x), static_cast<double>(y)});
     }
