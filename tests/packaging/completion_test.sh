@@ -13,7 +13,7 @@ fail() {
 
 # Only bash itself may call the real one.
 compopt() { :; }
-# shellcheck source=packaging/kxhost.bash
+# shellcheck disable=SC1090,SC1091 # the caller says which file
 source "$completion"
 
 # What is offered for the last of the words.
