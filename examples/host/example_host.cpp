@@ -37,7 +37,7 @@ Grab grab;
 
 std::uint32_t publishedNumber(KxScParam id)
 {
-    const void* value = grab.published.at(id);
+    const void* value = grab.published.at(static_cast<std::size_t>(id));
     return value == nullptr ? 0 : *static_cast<const std::uint32_t*>(value);
 }
 
