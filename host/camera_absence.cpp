@@ -89,6 +89,7 @@ void cameraLost(HostServices& host, const std::string& why)
         return;
     }
     host.absence.isAway = true;
+    host.fates.cameraLost();
     complain(timeOfDay() + " " + nameOfCamera(host) + " is lost: " + why +
              ". The grab waits until it is back.");
 }

@@ -1,5 +1,6 @@
 // kxhost grab: from the configuration to the summary.
 #include "commands.h"
+#include "config_change.h"
 #include "config_hints.h"
 #include "export_summary.h"
 #include "grab_run.h"
@@ -18,8 +19,7 @@
 namespace kxhost {
 namespace {
 
-GrabSummary summarize(const GrabResult& result, const Settings& settings,
-                      const ExportTotals& exported)
+GrabSummary summarize(const GrabResult& result, const Settings& settings, const ExportQueue& queue)
 {
     const GrabCounts& counts = services().counts;
     GrabSummary summary;
@@ -30,9 +30,15 @@ GrabSummary summarize(const GrabResult& result, const Settings& settings,
     summary.retrieved = counts.retrieved;
     summary.missing = counts.missing;
     summary.timing = counts.timing;
-    summary.gaps = counts.gaps;
     summary.refused = counts.refused;
-    summary.exported = exported;
+    summary.exported = queue.totals();
+    summary.ledger = services().fates.ledger();
+    for (const std::optional<std::uint32_t>& frame : queue.failedFrames()) {
+        summary.ledger.notWritten(frame);
+    }
+    if (!result.abandoned) { // the grab thread may still add to it
+        summary.configurations = services().history.changes();
+    }
     summary.seconds = static_cast<double>(counts.lastUs - counts.firstUs) / 1e6;
     summary.framePeriodUs = counts.framePeriodUs;
     summary.overBudget = counts.overBudget;
@@ -133,7 +139,7 @@ int grab(const CommandLine& commandLine, const Configuration& configuration, con
             });
     }
     queue.finish();
-    GrabSummary summary = summarize(result, settings, queue.totals());
+    GrabSummary summary = summarize(result, settings, queue);
     judge(summary, settings.maxLosses, queue.firstError());
     status.end(summary.reason);
     const int exitCode = report(commandLine, summary);
@@ -163,6 +169,7 @@ int commandGrab(const CommandLine& commandLine)
         }
     }
     const Settings& settings = services().settings = configuration.settings;
+    services().history.start(givenValues(configuration), wallUs());
     if (const std::string trouble = realTimeTrouble(settings); !trouble.empty()) {
         complain(trouble);
     }

@@ -1,6 +1,8 @@
 // What differs between two configurations, and when the differences take effect.
 #include "config_change.h"
 
+#include "config_value.h"
+
 #include <algorithm>
 #include <type_traits>
 #include <utility>
@@ -33,14 +35,24 @@ bool hasOtherTable(const Configuration& before, const Configuration& after, cons
     return key.section == "lut" && key.name == "file" && before.settings.lut != after.settings.lut;
 }
 
+/// How many tables a key may be in.
+std::size_t tablesOf(const Key& key)
+{
+    return key.section == kIoboxSection ? kMaxIobox : 1;
+}
+
 /// Of the keys that share a value (a pin's parameters) those count that somebody has set.
+bool differsAt(Configuration& before, Configuration& after, const Key& key, std::size_t index)
+{
+    const bool given = isGivenIn(before, key, index) || isGivenIn(after, key, index);
+    return given && (!isSame(key.slot(before.settings, index), key.slot(after.settings, index)) ||
+                     hasOtherTable(before, after, key));
+}
+
 bool differs(Configuration& before, Configuration& after, const Key& key)
 {
-    const std::size_t count = key.section == kIoboxSection ? kMaxIobox : 1;
-    for (std::size_t index = 0; index < count; ++index) {
-        const bool given = isGivenIn(before, key, index) || isGivenIn(after, key, index);
-        if (given && (!isSame(key.slot(before.settings, index), key.slot(after.settings, index)) ||
-                      hasOtherTable(before, after, key))) {
+    for (std::size_t index = 0; index < tablesOf(key); ++index) {
+        if (differsAt(before, after, key, index)) {
             return true;
         }
     }
@@ -64,6 +76,29 @@ bool hasOtherInput(const Settings& before, const Settings& after)
     return false;
 }
 
+bool isAmong(Takes takes, std::initializer_list<Takes> all)
+{
+    return std::ranges::find(all, takes) != all.end();
+}
+
+/// A text stands without its quotation marks.
+KeyValue valueOf(Configuration& configuration, const Key& key, std::size_t index)
+{
+    std::string name(key.section);
+    if (key.section == kIoboxSection) {
+        name += "[" + std::to_string(index) + "]";
+    }
+    name += "." + std::string(key.name);
+    if (!isGivenIn(configuration, key, index)) {
+        return {name, ""};
+    }
+    std::string text = valueText(key.rule, key.slot(configuration.settings, index));
+    if (text.size() >= 2 && text.front() == '"' && text.back() == '"') {
+        text = text.substr(1, text.size() - 2);
+    }
+    return {name, text};
+}
+
 /// A copy with all settings of pins that there can be.
 Configuration withEveryPin(Configuration configuration)
 {
@@ -80,12 +115,41 @@ std::vector<std::string> changedKeys(const Configuration& before, const Configur
     Configuration other = withEveryPin(after);
     std::vector<std::string> names;
     for (const Key& key : configKeys()) {
-        const bool asked = std::ranges::find(takes, key.takes) != takes.end();
-        if (asked && differs(one, other, key)) {
+        if (isAmong(key.takes, takes) && differs(one, other, key)) {
             names.push_back(std::string(key.section) + "." + std::string(key.name));
         }
     }
     return names;
+}
+
+std::vector<KeyValue> changedValues(const Configuration& before, const Configuration& after,
+                                    std::initializer_list<Takes> takes)
+{
+    Configuration one = withEveryPin(before);
+    Configuration other = withEveryPin(after);
+    std::vector<KeyValue> values;
+    for (const Key& key : configKeys()) {
+        for (std::size_t index = 0; index < tablesOf(key); ++index) {
+            if (isAmong(key.takes, takes) && differsAt(one, other, key, index)) {
+                values.push_back(valueOf(other, key, index));
+            }
+        }
+    }
+    return values;
+}
+
+std::vector<KeyValue> givenValues(const Configuration& configuration)
+{
+    Configuration all = withEveryPin(configuration);
+    std::vector<KeyValue> values;
+    for (const Key& key : configKeys()) {
+        for (std::size_t index = 0; index < tablesOf(key); ++index) {
+            if (isGivenIn(all, key, index)) {
+                values.push_back(valueOf(all, key, index));
+            }
+        }
+    }
+    return values;
 }
 
 void swapKeys(Settings& one, Settings& other, Takes takes)

@@ -3,6 +3,7 @@
 #define KXHOST_CONFIG_CHANGE_H
 
 #include "config.h"
+#include "config_history.h"
 
 #include <initializer_list>
 #include <string>
@@ -14,6 +15,14 @@ namespace kxhost {
 /// once, in the order of the table.
 std::vector<std::string> changedKeys(const Configuration& before, const Configuration& after,
                                      std::initializer_list<Takes> takes);
+
+/// The same keys with the values that they have in `after`, "iobox[1].mode" where there are
+/// several.
+std::vector<KeyValue> changedValues(const Configuration& before, const Configuration& after,
+                                    std::initializer_list<Takes> takes);
+
+/// All keys that somebody has set, with their values.
+std::vector<KeyValue> givenValues(const Configuration& configuration);
 
 /// Exchanges the values of all keys that take effect in this way. Allocates nothing.
 void swapKeys(Settings& one, Settings& other, Takes takes);

@@ -85,8 +85,10 @@ void ConfigFollower::offer(OfferSlot& slot, const Configuration& configuration)
 {
     auto offer = std::make_unique<ConfigOffer>();
     offer->file = source_.path;
-    offer->changed = listed(
-        changedKeys(offered_, configuration, {Takes::kLive, Takes::kReload, Takes::kRestart}));
+    const auto takes = {Takes::kLive, Takes::kReload, Takes::kRestart};
+    offer->changed = listed(changedKeys(offered_, configuration, takes));
+    offer->values = changedValues(offered_, configuration, takes);
+    offer->wayBack = changedValues(configuration, offered_, takes);
     offer->settings = configuration.settings;
     if (offered_.settings.iobox.empty()) { // otherwise it was said before
         if (const auto trouble = realTimeTrouble(configuration.settings); !trouble.empty()) {

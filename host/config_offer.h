@@ -2,19 +2,23 @@
 #ifndef KXHOST_CONFIG_OFFER_H
 #define KXHOST_CONFIG_OFFER_H
 
+#include "config_history.h"
 #include "settings.h"
 
 #include <atomic>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace kxhost {
 
 /// A whole configuration that waits to be taken over.
 struct ConfigOffer {
     Settings settings;
-    std::string file;    ///< as the user named it; empty = there is none
-    std::string changed; ///< the keys that differ, for people; empty = none
+    std::string file;              ///< as the user named it; empty = there is none
+    std::string changed;           ///< the keys that differ, for people; empty = none
+    std::vector<KeyValue> values;  ///< these keys and what they are now
+    std::vector<KeyValue> wayBack; ///< and what they were
 };
 
 /// Holds one offer, the latest. Any thread may offer, withdraw and take; whoever takes it owns it.

@@ -29,9 +29,9 @@ void retireTable(HostServices& host, Settings& old)
     }
 }
 
-void applied(HostServices& host)
+void applied(HostServices& host, ChangeKind kind, std::vector<KeyValue> changed)
 {
-    ++host.generation;
+    host.history.taken(kind, std::move(changed), wallUs());
     if (host.settings.lutMode != kSweepKeep) {
         host.computedTable = kNoSignal; // the configuration says which table there is
     }
@@ -60,7 +60,7 @@ bool takeLive(HostServices& host)
     keepEqualTable(offer->settings, host.settings);
     swapKeys(offer->settings, host.settings, Takes::kLive);
     retireTable(host, offer->settings);
-    applied(host);
+    applied(host, ChangeKind::kLive, std::move(offer->values));
     complain(offer->file + " has changed: " + offer->changed + " in force from now on.");
     return true;
 }
@@ -84,7 +84,8 @@ bool takeReload(HostServices& host, bool& restart)
         host.before->pixelFormat = *host.formatBeforePass;
         host.formatBeforePass = host.settings.pixelFormat;
     }
-    applied(host);
+    applied(host, ChangeKind::kReload, std::move(offer->values));
+    host.wayBack = std::move(offer->wayBack);
     complain(reloaded(*offer) + (!inLoop   ? ": the grab starts with it."
                                  : restart ? ": the grab ends and starts again with it."
                                            : ": the grab goes on with it."));
@@ -111,7 +112,7 @@ bool fallBack(HostServices& host)
     }
     settleReload(host);
     host.absence.shape.reset();
-    applied(host);
+    applied(host, ChangeKind::kFallBack, std::move(host.wayBack));
     complain("The camera refused the new configuration: the grab goes on with the one before.");
     return true;
 }

@@ -2,9 +2,13 @@
 #ifndef KXHOST_EXPORT_FRAME_H
 #define KXHOST_EXPORT_FRAME_H
 
+#include "config_history.h"
+#include "frame_ledger.h"
+
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace kxhost {
 
@@ -40,9 +44,12 @@ struct ScenarioValues {
     /// goes with one frame.
     std::optional<std::uint32_t> rxData;
     std::optional<std::uint32_t> rxBits;
-    std::optional<std::uint32_t>
-        configuration;                ///< the host's own: how often it had changed, plus 1
-    std::optional<float> awaySeconds; ///< the host's own: how long the camera was lost before it
+    // The host's own.
+    std::optional<std::uint32_t> configuration;     ///< number of the one that made the frame
+    std::optional<std::uint32_t> configurationNext; ///< or one up to this made it
+    std::vector<ConfigurationChangePtr> changes;    ///< since the frame before
+    LedgerMark ledger;
+    std::optional<float> awaySeconds; ///< how long the camera was lost before it
 };
 
 } // namespace kxhost

@@ -1,6 +1,9 @@
 // The metadata of one frame as a line of NDJSON.
 #include "export_metadata.h"
 
+#include "change_report.h"
+#include "ledger_report.h"
+
 #include <nlohmann/json.hpp>
 
 #include <array>
@@ -66,6 +69,9 @@ std::string metadataLine(std::uint64_t number, const ScenarioValues& values,
     addIfSet(object, "timestamp_us", values.timestampUs);
     addIfSet(object, "camera_time_us", values.cameraTimeUs);
     addIfSet(object, "frame_counter", values.frameCounter);
+    if (values.ledger.stretch != 0) {
+        object["stretch"] = values.ledger.stretch;
+    }
     addIfSet(object, "width", values.width);
     addIfSet(object, "height", values.height);
     addIfSet(object, "codec", values.codec);
@@ -75,6 +81,13 @@ std::string metadataLine(std::uint64_t number, const ScenarioValues& values,
     addIfSet(object, "rx_data", values.rxData);
     addIfSet(object, "rx_bits", values.rxBits);
     addIfSet(object, "configuration", values.configuration);
+    addIfSet(object, "configuration_next", values.configurationNext);
+    if (!values.changes.empty()) {
+        object["configuration_changes"] = changesJson(values.changes);
+    }
+    if (Json lost = lostBeforeJson(values.ledger.lostBefore); !lost.is_null()) {
+        object["lost_before"] = std::move(lost);
+    }
     addIfSet(object, "camera_away_s", values.awaySeconds);
     object["pictures"] = Json::array();
     for (const PictureRecord& picture : pictures) {

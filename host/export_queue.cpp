@@ -15,6 +15,7 @@
 #include <exception>
 #include <filesystem>
 #include <mutex>
+#include <new>
 #include <thread>
 #include <utility>
 #include <vector>
@@ -24,7 +25,7 @@ namespace kxhost {
 namespace {
 
 /// One picture of a frame, waiting in its place.
-struct Staged {
+struct Waiting {
     bool present = false;
     FrameInfo info;
     std::vector<std::uint8_t> pixels; // only ever grows
@@ -34,7 +35,7 @@ struct Staged {
 /// writer that takes it, then (with `done`) to whoever completes the metadata.
 struct Place {
     std::uint64_t timestampUs = 0;
-    std::array<Staged, 2> pictures;
+    std::array<Waiting, 2> pictures;
     ScenarioValues values;
     std::string line; // metadata
     std::uint64_t fileCount = 0;
@@ -59,11 +60,12 @@ public:
     {}
 
     std::string start();
-    void reserve(Instance instance, std::size_t bytes);
-    bool stage(const FrameInfo& info, const void* pixels);
+    std::size_t reserve(Instance instance, std::size_t bytes);
+    Staged stage(const FrameInfo& info, const void* pixels);
     void commit(std::uint64_t timestampUs, const ScenarioValues& values);
     void finish();
     ExportTotals totals() const;
+    std::vector<std::optional<std::uint32_t>> failedFrames() const;
     std::string firstError() const;
 
 private:
@@ -74,7 +76,8 @@ private:
     {
         return !settings_.folder.empty() && settings_.format != PictureFormat::kNone;
     }
-    bool waitForPlace(Lock& lock);
+    Staged waitForPlace(Lock& lock);
+    static bool keep(Waiting& staged, const void* pixels, std::size_t bytes);
     void forgetStaged(std::uint64_t timestampUs);
     void fail(const std::string& error);
     void runWriter();
@@ -98,6 +101,7 @@ private:
     bool finishing_ = false;
     bool releasing_ = false; // one writer at a time completes the metadata
     ExportTotals totals_;
+    std::vector<std::optional<std::uint32_t>> failedFrames_; // no more than there are places
     std::string error_;
 
     LineFile metadata_; // opened before the writers start; then the releasing writer's alone
@@ -124,20 +128,27 @@ std::string ExportQueue::Impl::start()
     return "";
 }
 
-void ExportQueue::Impl::reserve(Instance instance, std::size_t bytes)
+std::size_t ExportQueue::Impl::reserve(Instance instance, std::size_t bytes)
 {
     Lock lock(mutex_);
     // Places that still wait to be written keep their memory until they are free.
     freed_.wait(lock, [this] { return released_ == committed_; });
     if (!copiesPixels()) {
-        return;
+        return places_.size();
     }
-    for (Place& each : places_) {
-        auto& pixels = each.pictures[static_cast<std::size_t>(instance)].pixels;
-        if (pixels.size() < bytes) {
-            pixels.resize(bytes);
+    std::size_t ready = 0;
+    try {
+        for (Place& each : places_) {
+            auto& pixels = each.pictures[static_cast<std::size_t>(instance)].pixels;
+            if (pixels.size() < bytes) {
+                pixels.resize(bytes);
+            }
+            ++ready;
         }
+    } catch (const std::bad_alloc&) {
+        places_.resize(std::max<std::size_t>(ready, 1));
     }
+    return ready;
 }
 
 void ExportQueue::Impl::forgetStaged(std::uint64_t timestampUs)
@@ -145,60 +156,76 @@ void ExportQueue::Impl::forgetStaged(std::uint64_t timestampUs)
     Place& next = place(committed_);
     if (next.timestampUs != timestampUs) {
         next.timestampUs = timestampUs;
-        for (Staged& staged : next.pictures) {
+        for (Waiting& staged : next.pictures) {
             staged.present = false;
         }
     }
 }
 
-bool ExportQueue::Impl::waitForPlace(Lock& lock)
+Staged ExportQueue::Impl::waitForPlace(Lock& lock)
 {
+    Staged staged;
     if (finishing_) {
-        return false; // an abandoned grab that goes on
+        return {Staging::kFailed}; // an abandoned grab that goes on
     }
     const auto isFree = [this] { return committed_ - released_ < places_.size(); };
     if (!isFree() && settings_.whenFull == WhenFull::kWait && error_.empty()) {
         const auto start = std::chrono::steady_clock::now();
         freed_.wait(lock, [&] { return isFree() || !error_.empty(); });
+        staged.waitedUs = microsecondsSince(start);
         totals_.waits += 1;
-        totals_.waitUs += microsecondsSince(start);
+        totals_.waitUs += staged.waitedUs;
     }
     if (!error_.empty()) {
         totals_.refusedFailed += 1;
-        return false;
-    }
-    if (!isFree()) {
+        staged.result = Staging::kFailed;
+    } else if (!isFree()) {
         totals_.refusedFull += 1;
+        staged.result = Staging::kFull;
+    }
+    return staged;
+}
+
+/// Returns false when there is no memory.
+bool ExportQueue::Impl::keep(Waiting& staged, const void* pixels, std::size_t bytes)
+{
+    try {
+        if (staged.pixels.size() < bytes) {
+            staged.pixels.resize(bytes);
+        }
+    } catch (const std::exception&) { // no memory, or more than there can ever be
         return false;
     }
+    std::memcpy(staged.pixels.data(), pixels, bytes);
     return true;
 }
 
-bool ExportQueue::Impl::stage(const FrameInfo& info, const void* pixels)
+Staged ExportQueue::Impl::stage(const FrameInfo& info, const void* pixels)
 {
     const Codec* codec = findCodec(info.codec);
+    Staged result;
     {
         Lock lock(mutex_);
         if (codec == nullptr) {
             fail("Frames of the codec \"" + info.codec + "\" cannot be written.");
         }
-        if (!waitForPlace(lock)) {
-            return false;
+        result = waitForPlace(lock);
+        if (result.result != Staging::kAccepted) {
+            return result;
         }
         forgetStaged(info.timestampUs);
     }
     // From here to the commit the place is this thread's alone.
-    Staged& staged = place(committed_).pictures[static_cast<std::size_t>(info.instance)];
+    Waiting& staged = place(committed_).pictures[static_cast<std::size_t>(info.instance)];
+    if (copiesPixels() && !keep(staged, pixels, pictureBytes(*codec, info.width, info.height))) {
+        const Lock lock(mutex_);
+        totals_.refusedMemory += 1;
+        result.result = Staging::kNoMemory;
+        return result;
+    }
     staged.present = true;
     staged.info = info;
-    if (copiesPixels()) {
-        const std::size_t bytes = pictureBytes(*codec, info.width, info.height);
-        if (staged.pixels.size() < bytes) {
-            staged.pixels.resize(bytes);
-        }
-        std::memcpy(staged.pixels.data(), pixels, bytes);
-    }
-    return true;
+    return result;
 }
 
 void ExportQueue::Impl::commit(std::uint64_t timestampUs, const ScenarioValues& values)
@@ -268,7 +295,7 @@ void ExportQueue::Impl::writeFrame(std::uint64_t frame, PictureWriter& writer)
 {
     Place& mine = place(frame);
     std::vector<PictureRecord> records;
-    for (const Staged& staged : mine.pictures) {
+    for (const Waiting& staged : mine.pictures) {
         if (!staged.present) {
             continue;
         }
@@ -311,10 +338,13 @@ void ExportQueue::Impl::releaseDone(Lock& lock)
         }
         const bool written = oldest.whole && error.empty();
         totals_.written += written ? 1U : 0U;
-        totals_.failed += written ? 0U : 1U;
+        if (!written) {
+            totals_.failed += 1;
+            failedFrames_.push_back(oldest.values.frameCounter);
+        }
         totals_.pictures += oldest.fileCount;
         totals_.bytes += oldest.fileBytes;
-        for (Staged& staged : oldest.pictures) {
+        for (Waiting& staged : oldest.pictures) {
             staged.present = false;
         }
         released_ += 1;
@@ -346,6 +376,12 @@ ExportTotals ExportQueue::Impl::totals() const
     return totals_;
 }
 
+std::vector<std::optional<std::uint32_t>> ExportQueue::Impl::failedFrames() const
+{
+    const Lock lock(mutex_);
+    return failedFrames_;
+}
+
 std::string ExportQueue::Impl::firstError() const
 {
     const Lock lock(mutex_);
@@ -366,12 +402,12 @@ std::string ExportQueue::start()
     return impl_->start();
 }
 
-void ExportQueue::reserve(Instance instance, std::size_t bytes)
+std::size_t ExportQueue::reserve(Instance instance, std::size_t bytes)
 {
-    impl_->reserve(instance, bytes);
+    return impl_->reserve(instance, bytes);
 }
 
-bool ExportQueue::stage(const FrameInfo& info, const void* pixels)
+Staged ExportQueue::stage(const FrameInfo& info, const void* pixels)
 {
     return impl_->stage(info, pixels);
 }
@@ -389,6 +425,11 @@ void ExportQueue::finish()
 ExportTotals ExportQueue::totals() const
 {
     return impl_->totals();
+}
+
+std::vector<std::optional<std::uint32_t>> ExportQueue::failedFrames() const
+{
+    return impl_->failedFrames();
 }
 
 std::string ExportQueue::firstError() const

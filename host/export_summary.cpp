@@ -1,7 +1,9 @@
 // The summary of a grab: what was retrieved, exported and lost, as one JSON object and as text.
 #include "export_summary.h"
 
+#include "change_report.h"
 #include "export_file.h"
+#include "ledger_report.h"
 
 #include <nlohmann/json.hpp>
 
@@ -18,7 +20,7 @@ using Json = nlohmann::ordered_json;
 /// Frames lost before the host had a chance.
 std::uint64_t lostByCamera(const GrabSummary& summary)
 {
-    return summary.missing + summary.gaps;
+    return summary.missing + summary.ledger.totals().causes[FrameCause::kCameraSkipped];
 }
 
 double perSecond(std::uint64_t count, double seconds)
@@ -34,11 +36,15 @@ double retrievedRate(const GrabSummary& summary)
 
 Json lossesJson(const GrabSummary& summary)
 {
+    const CauseCounts causes = summary.ledger.totals().causes;
     return {{"total", lostFrames(summary)},
             {"camera", lostByCamera(summary)},
+            {"detached", causes[FrameCause::kDetached]},
+            {"no_buffer", causes[FrameCause::kNoBuffer]},
             {"queue_full", summary.exported.refusedFull},
             {"after_export_error", summary.exported.refusedFailed},
             {"refused", summary.refused},
+            {"unfinished", causes[FrameCause::kUnfinished]},
             {"export", summary.exported.failed}};
 }
 
@@ -78,9 +84,7 @@ std::string receivedText(const ReceivedWords& received)
 
 std::uint64_t lostFrames(const GrabSummary& summary)
 {
-    const ExportTotals& exported = summary.exported;
-    return lostByCamera(summary) + exported.refusedFull + exported.refusedFailed + summary.refused +
-           exported.failed;
+    return summary.ledger.totals().lost();
 }
 
 std::string summaryJson(const GrabSummary& summary)
@@ -95,6 +99,8 @@ std::string summaryJson(const GrabSummary& summary)
         {"failed_retrievals", summary.missing},
         {"exported", exportJson(summary)},
         {"lost", lossesJson(summary)},
+        {"ledger", ledgerJson(summary.ledger)},
+        {"configurations", changesJson(summary.configurations)},
         {"seconds", summary.seconds},
         {"frame_rate", retrievedRate(summary)},
         {"write_rate", perSecond(summary.exported.written, summary.seconds)},
@@ -119,7 +125,15 @@ std::string summaryText(const GrabSummary& summary)
          << (summary.folder.empty() ? "" : " into " + summary.folder) << "\n";
     text << "lost      " << lostFrames(summary) << " (camera " << lostByCamera(summary)
          << ", queue full " << exported.refusedFull << ", refused " << summary.refused
-         << ", export " << exported.refusedFailed + exported.failed << ")\n";
+         << ", export " << exported.refusedFailed + exported.failed;
+    const CauseCounts causes = summary.ledger.totals().causes;
+    for (const FrameCause cause :
+         {FrameCause::kNoBuffer, FrameCause::kDetached, FrameCause::kUnfinished}) {
+        if (causes[cause] != 0) {
+            text << ", " << causeText(cause) << " " << causes[cause];
+        }
+    }
+    text << ")\n" << ledgerText(summary.ledger);
     if (summary.framePeriodUs != 0) {
         text << "time      longest hand-over " << summary.longestUs << " us of a period of "
              << summary.framePeriodUs << " us, " << summary.overBudget << " frames over it\n";

@@ -2,10 +2,13 @@
 #ifndef KXHOST_EXPORT_SUMMARY_H
 #define KXHOST_EXPORT_SUMMARY_H
 
+#include "config_history.h"
 #include "export_queue.h"
+#include "frame_ledger.h"
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 namespace kxhost {
 
@@ -28,10 +31,11 @@ struct GrabSummary {
     std::uint64_t missing =
         0;                    ///< failed retrievals: a frame that did not arrive, or a wait in vain
     std::uint64_t timing = 0; ///< retrieved frames that only started the timing (first of a pass)
-    std::uint64_t gaps = 0;   ///< further frames that the camera's counter skipped
     std::uint64_t refused = 0; ///< retrieved frames refused for other reasons than the export's
     ExportTotals exported;     ///< what became of the frames after that
-    double seconds = 0;        ///< from the first to the last retrieved frame
+    FrameLedger ledger;        ///< every frame, those that never arrived included
+    std::vector<ConfigurationChangePtr> configurations; ///< of the grab, by number, the latest
+    double seconds = 0;              ///< from the first to the last retrieved frame
     std::uint32_t framePeriodUs = 0; ///< in force; 0 = not known
     std::uint64_t overBudget = 0;    ///< frames whose hand-over took longer than that period
     std::uint64_t longestUs = 0;     ///< longest hand-over of one frame

@@ -63,6 +63,13 @@ CauseCounts& CauseCounts::operator-=(const CauseCounts& other)
     return *this;
 }
 
+/// Those that match a value are among the causes already.
+std::uint64_t LedgerTotals::lost() const
+{
+    const std::uint64_t unmatched = failedRetrievals - causes[FrameCause::kRetrievalFailed];
+    return causes.sum() - causes[FrameCause::kTiming] - causes[FrameCause::kStopped] + unmatched;
+}
+
 FrameLedger::FrameLedger()
 {
     ranges_.reserve(kMostRanges);
@@ -127,7 +134,7 @@ void FrameLedger::arrived(std::optional<std::uint32_t> counter, std::optional<Fr
     captureIsNew_ = false;
     cameraWasLost_ = false;
     if (cause) {
-        listFrame(stretchNumber(), *value, *cause);
+        listFrame(stretch(), *value, *cause);
     }
 }
 
@@ -158,7 +165,7 @@ std::uint64_t FrameLedger::startAgainAt(const Back& first, std::uint32_t counter
     heldSince_ -= first.heldThen;
     const std::uint64_t value = beginStretch(CountBegin::kReset, first.counter);
     if (first.cause) {
-        listFrame(stretchNumber(), value, *first.cause);
+        listFrame(stretch(), value, *first.cause);
     }
     return stepTo(counter);
 }
@@ -223,7 +230,7 @@ void FrameLedger::bookGap(std::uint64_t gap)
     totals_.offCounter -= jump.standIns;
     totals_.standIns += jump.standIns;
     if (jump.booked.sum() != 0) {
-        list({stretchNumber(), jump.before + 1, jump.before + gap, jump.booked});
+        list({stretch(), jump.before + 1, jump.before + gap, jump.booked});
     }
     jump_ = jump;
 }

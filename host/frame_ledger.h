@@ -83,6 +83,13 @@ struct LostRange {
     CauseCounts counts;
 };
 
+/// What the record of a delivered frame says of the ledger.
+struct LedgerMark {
+    std::uint64_t stretch = 0; ///< in which the camera numbered it, from 1; 0 = it did not
+    CauseCounts lostBefore;    ///< booked since the record before; modulo 2^64, as what proves
+                               ///< wrong is taken back
+};
+
 /// `values` + `offCounter` = `delivered` + the sum of `causes`, always.
 struct LedgerTotals {
     bool counted = false;         ///< the camera has numbered a frame
@@ -98,6 +105,9 @@ struct LedgerTotals {
     std::uint64_t rangesNotListed = 0;
     std::uint64_t stretchesNotListed = 0;
 
+    /// Frames that somebody may miss: all causes but those of the host's own doing (the frame that
+    /// starts the timing, those between two captures), and failed retrievals.
+    std::uint64_t lost() const;
     /// What is wrong with the balance above; 0 = nothing.
     std::int64_t imbalance() const
     {
@@ -145,6 +155,8 @@ public:
     void notWritten(std::optional<std::uint32_t> counter);
 
     LedgerTotals totals() const;
+    /// The stretch that is counted, from 1; 0 = the camera has not numbered a frame.
+    std::uint64_t stretch() const { return closedStretches_ + stretches_.size(); }
     /// In the order in which they were found.
     const std::vector<LostRange>& ranges() const { return ranges_; }
     const std::vector<CountStretch>& stretches() const { return stretches_; }
@@ -181,7 +193,6 @@ private:
     void listFrame(std::uint64_t stretch, std::uint64_t value, FrameCause cause);
     void list(const LostRange& range);
     std::optional<std::pair<std::uint64_t, std::uint64_t>> find(std::uint32_t counter) const;
-    std::uint64_t stretchNumber() const { return closedStretches_ + stretches_.size(); }
     CountStretch& open() { return stretches_.back(); }
     const CountStretch& open() const { return stretches_.back(); }
 

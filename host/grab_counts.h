@@ -13,7 +13,7 @@ struct GrabCounts {
     std::atomic<std::uint64_t> retrieved = 0;  ///< frames that arrived
     std::atomic<std::uint64_t> missing = 0;    ///< failed retrievals
     std::atomic<std::uint64_t> timing = 0;     ///< arrived frames that only started the timing
-    std::atomic<std::uint64_t> gaps = 0;       ///< frames that the camera's counter misses
+    std::atomic<std::uint64_t> lost = 0;       ///< frames that were not handed to the writers
     std::atomic<std::uint64_t> refused = 0;    ///< hand-overs without usable pixels
     std::atomic<std::uint64_t> exported = 0;   ///< frames handed to the writers
     std::atomic<std::uint64_t> overBudget = 0; ///< hand-overs longer than the frame period

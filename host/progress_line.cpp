@@ -20,8 +20,7 @@ std::string ProgressLine::text(const ExportTotals& exported, std::uint64_t nowUs
     lastRetrieved_ = retrieved;
     lastUs_ = nowUs;
     const std::uint64_t queued = exported.accepted - exported.written - exported.failed;
-    const std::uint64_t lost = counts_.missing + counts_.gaps + counts_.refused + exported.failed +
-                               exported.refusedFull + exported.refusedFailed;
+    const std::uint64_t lost = counts_.lost + exported.failed;
     const std::string of = frames_ == 0 ? "" : " of " + std::to_string(frames_);
     std::array<char, 200> text{};
     std::snprintf(text.data(), text.size(),

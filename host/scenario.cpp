@@ -64,13 +64,21 @@ ScenarioValues Scenario::read() const
         .exposureUs = readAs<float>(values_, kKxScExposureUs),
         .unit = readAs<std::uint32_t>(values_, kKxScUnit),
         .cameraTimeUs = readAs<std::uint64_t>(values_, kKxScCameraTimeUs),
-        .frameCounter = readAs<std::uint32_t>(values_, kKxScFrameCounter),
+        .frameCounter = frameCounter(),
         .timestampUs = readAs<std::uint64_t>(values_, kKxScTimestampUs),
         .rxData = hasWord ? readAs<std::uint32_t>(values_, kKxScRxData) : std::nullopt,
         .rxBits = hasWord ? std::optional(rxBits) : std::nullopt,
         .configuration = {},
+        .configurationNext = {},
+        .changes = {},
+        .ledger = {},
         .awaySeconds = {},
     };
+}
+
+std::optional<std::uint32_t> Scenario::frameCounter() const
+{
+    return readAs<std::uint32_t>(values_, kKxScFrameCounter);
 }
 
 FrameInfo Scenario::frame(Instance instance) const

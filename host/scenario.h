@@ -6,6 +6,7 @@
 
 #include <array>
 #include <cstdint>
+#include <optional>
 
 #include <kx_scenario.h>
 
@@ -23,6 +24,8 @@ public:
 
     /// All values as they are now.
     ScenarioValues read() const;
+    /// The camera's number of the frame as it is now.
+    std::optional<std::uint32_t> frameCounter() const;
     /// Geometry and codec of a frame of this instance; the codec is empty when none is published.
     FrameInfo frame(Instance instance) const;
 

@@ -18,4 +18,11 @@ std::uint64_t steadyUs()
         std::chrono::duration_cast<std::chrono::microseconds>(now).count());
 }
 
+std::uint64_t wallUs()
+{
+    const auto now = std::chrono::system_clock::now().time_since_epoch();
+    return static_cast<std::uint64_t>(
+        std::chrono::duration_cast<std::chrono::microseconds>(now).count());
+}
+
 } // namespace kxhost

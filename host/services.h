@@ -6,8 +6,10 @@
 #include "camera_choice.h"
 #include "camera_watch.h"
 #include "clock_recorder.h"
+#include "config_history.h"
 #include "config_offer.h"
 #include "export_queue.h"
+#include "frame_fates.h"
 #include "frame_memory.h"
 #include "grab_counts.h"
 #include "pending_signals.h"
@@ -39,8 +41,8 @@ public:
 };
 
 /// The state of the host. The plug-in calls plain functions, so there is one per process.
-/// `counts`, `signals`, `offers` and `signalsKept` may be used from any thread, everything else by
-/// the grab thread, or before and after it has run.
+/// `counts`, `signals`, `offers`, `signalsKept` and `fates.ledger()` may be used from any thread,
+/// everything else by the grab thread, or before and after it has run.
 struct HostServices {
     Settings settings;
     const Plugin* plugin = nullptr; ///< not owned; hears of a changed log level; null = nobody does
@@ -59,8 +61,9 @@ struct HostServices {
     CameraAbsence absence;
 
     // Changes of the configuration.
-    std::uint32_t generation = 1;     ///< of the settings; rises with each change in force
+    ConfigHistory history;            ///< the configurations of this grab, by number
     std::unique_ptr<Settings> before; ///< what a reload has replaced, while there is a way back
+    std::vector<KeyValue> wayBack;    ///< how `before` differs
     std::vector<std::vector<std::uint16_t>> oldTables; ///< look-up tables that were in force
     std::optional<std::int32_t> formatBeforePass;      ///< pixel format, while a pass has its own
     bool startAgain = false;              ///< the plug-in ended its session for a new configuration
@@ -70,10 +73,9 @@ struct HostServices {
     // The grab loop's passage from frame to frame.
     std::atomic<bool> signalsKept = false; ///< between ResetTermSigProc and SetTermSigProc
     bool firstFrame = false;               ///< the next frame to arrive only starts the timing
-    unsigned missingInRow = 0;     ///< failed retrievals since the last frame, while asked to end
-    std::uint64_t missingThen = 0; ///< `counts.missing` at the last frame handed over
-    std::optional<std::uint32_t> lastCounter; ///< the camera's counter at that frame
-    std::uint64_t handOverFrame = 0;          ///< time stamp of the frame that is being handed over
+    unsigned missingInRow = 0; ///< failed retrievals since the last frame, while asked to end
+    FrameFates fates{scenario, counts};
+    std::uint64_t handOverFrame = 0; ///< time stamp of the frame that is being handed over
     std::uint64_t handOverStartUs = 0;
 };
 
@@ -82,6 +84,9 @@ HostServices& services();
 
 /// Microseconds of a clock that never steps.
 std::uint64_t steadyUs();
+
+/// Microseconds since 1970 on the clock that frames are stamped with.
+std::uint64_t wallUs();
 
 } // namespace kxhost
 

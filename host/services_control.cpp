@@ -21,15 +21,6 @@ bool isTemperature(float celsius)
     return celsius >= kAbsoluteZero;
 }
 
-/// This computer's clock, which frames are stamped with.
-std::uint64_t sinceEpochUs()
-{
-    timeval now{};
-    gettimeofday(&now, nullptr);
-    return static_cast<std::uint64_t>(now.tv_sec) * 1'000'000U +
-           static_cast<std::uint64_t>(now.tv_usec);
-}
-
 /// Results of a reconfiguration.
 constexpr int kInForce = 0;
 constexpr int kRefused = 1;
@@ -85,12 +76,17 @@ void KxGi__ResetTermSigProc()
     host.signalsKept = true;
     host.firstFrame = true;
     host.missingInRow = 0;
-    host.lastCounter.reset();
+    if (host.fates.cameraWasLost()) {
+        host.history.taken(kxhost::ChangeKind::kAgain, {}, kxhost::wallUs());
+    }
+    host.history.captureStarted();
+    host.fates.captureStarted();
     host.watch.start(kxhost::steadyUs());
 }
 
 void KxGi__SetTermSigProc()
 {
+    services().fates.captureEnded();
     services().signalsKept = false;
     services().counts.capturing = false;
 }
@@ -113,13 +109,15 @@ void KxGi__HaltStop(int width, int height, float celsius)
     }
     host.counts.lastUs = now;
     if (host.clock != nullptr) {
-        host.clock->arrived(sinceEpochUs(), now);
+        host.clock->arrived(kxhost::wallUs(), now);
     }
     if (host.firstFrame) {
         host.firstFrame = false;
         ++host.counts.timing;
     }
     host.missingInRow = 0;
+    host.fates.frameArrived();
+    host.history.retrievalEnded(kxhost::wallUs());
     host.signals.frameArrived();
 }
 
@@ -129,6 +127,8 @@ void KxGi__HaltUpdate(int, float celsius)
 {
     kxhost::HostServices& host = services();
     ++host.counts.missing;
+    host.fates.retrievalFailed();
+    host.history.retrievalEnded(kxhost::wallUs());
     host.signals.frameMissing();
     if (host.signals.finishPending() && ++host.missingInRow >= kMissingUntilThrow) {
         throw kxhost::NoFrameToStopAt();

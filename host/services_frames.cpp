@@ -1,14 +1,19 @@
 // Host services: frame memory, the hand-over of frames and the export of their parameters.
+#include "notice.h"
 #include "picture_codec.h"
 #include "service_exports.h"
 #include "services.h"
 
+#include <algorithm>
 #include <cstdio>
+#include <optional>
 #include <utility>
 
+using kxhost::FrameCause;
 using kxhost::HostServices;
 using kxhost::Instance;
 using kxhost::services;
+using kxhost::Staging;
 
 namespace {
 
@@ -24,8 +29,15 @@ bool isInstance(int instance)
 /// Lets the export set memory aside before frames come.
 void reserve(Instance instance, uint32_t bytes)
 {
-    if (services().queue != nullptr) {
-        services().queue->reserve(instance, bytes);
+    if (services().queue == nullptr) {
+        return;
+    }
+    const std::size_t wanted = services().settings.outputQueue;
+    const std::size_t places = services().queue->reserve(instance, bytes);
+    if (places < wanted) {
+        kxhost::complain("There is memory for " + std::to_string(places) + " of " +
+                         std::to_string(wanted) + " frames of " + std::to_string(bytes) +
+                         " bytes that may wait to be written; output.queue sets their number.");
     }
 }
 
@@ -41,19 +53,6 @@ void layOutPool(uint32_t bytes)
     reserve(Instance::kRaw, bytes);
 }
 
-/// Counts what the camera's frame counter says was never delivered, beyond failed retrievals.
-void countGap(HostServices& host, const kxhost::ScenarioValues& values)
-{
-    const std::uint64_t missing = host.counts.missing;
-    if (values.frameCounter && host.lastCounter) {
-        const std::uint64_t between = *values.frameCounter - *host.lastCounter - 1;
-        const std::uint64_t failed = missing - host.missingThen;
-        host.counts.gaps += between > failed && between < (1U << 31) ? between - failed : 0;
-    }
-    host.lastCounter = values.frameCounter;
-    host.missingThen = missing;
-}
-
 void beginHandOver(HostServices& host, uint64_t timestampUs)
 {
     if (host.handOverStartUs != 0 && host.handOverFrame == timestampUs) {
@@ -61,7 +60,6 @@ void beginHandOver(HostServices& host, uint64_t timestampUs)
     }
     host.handOverFrame = timestampUs;
     host.handOverStartUs = kxhost::steadyUs();
-    countGap(host, host.scenario.read());
 }
 
 void endHandOver(HostServices& host)
@@ -88,13 +86,51 @@ void countWord(HostServices& host, const kxhost::ScenarioValues& values)
     }
 }
 
-/// An export that has failed once refuses everything; there is no use in grabbing on.
-int refuse(HostServices& host)
+int refuse(HostServices& host, FrameCause cause)
 {
-    if (!host.queue->firstError().empty()) {
+    host.counts.refused += cause == FrameCause::kUnusable ? 1U : 0U;
+    host.fates.refused(cause);
+    return kRefused;
+}
+
+FrameCause causeOf(Staging staging)
+{
+    switch (staging) {
+    case Staging::kFull:
+        return FrameCause::kQueueFull;
+    case Staging::kNoMemory:
+        return FrameCause::kNoBuffer;
+    default:
+        return FrameCause::kExportFailed;
+    }
+}
+
+int stage(HostServices& host, const kxhost::FrameInfo& info, const void* frame)
+{
+    const kxhost::Staged staged = host.queue->stage(info, frame);
+    host.fates.waited(staged.waitedUs);
+    if (staged.result == Staging::kAccepted) {
+        host.fates.accepted();
+        return kAccepted;
+    }
+    if (staged.result == Staging::kFailed) {
+        // It refuses everything from now on; there is no use in grabbing on.
         host.signals.post(kxhost::kFinishTerminate);
     }
-    return kRefused;
+    return refuse(host, causeOf(staged.result));
+}
+
+/// The configuration that made the frame, and what was lost before it.
+void annotate(HostServices& host, uint64_t timestampUs, kxhost::ScenarioValues& values)
+{
+    const float exposureUs = std::max(values.exposureUs.value_or(0), 0.0F);
+    const kxhost::ConfigurationMark mark = host.history.mark(
+        {timestampUs, static_cast<uint64_t>(exposureUs), host.counts.framePeriodUs});
+    values.configuration = mark.number;
+    if (mark.newest != mark.number) {
+        values.configurationNext = mark.newest;
+    }
+    values.changes = host.history.takeNews();
 }
 
 } // namespace
@@ -141,25 +177,27 @@ int KxGiMemInst__Trigger(int instance, int, uint64_t timestampUs, void* frame, i
 {
     HostServices& host = services();
     if (!isInstance(instance) || frame == nullptr) {
-        ++host.counts.refused;
-        return kRefused;
+        return refuse(host, FrameCause::kUnusable);
     }
     beginHandOver(host, timestampUs);
     if (host.queue == nullptr) {
+        host.fates.accepted();
         return kAccepted;
     }
     kxhost::FrameInfo info = host.scenario.frame(static_cast<Instance>(instance));
     info.timestampUs = timestampUs;
     if (info.width == 0 || info.height == 0 || kxhost::findCodec(info.codec) == nullptr) {
-        ++host.counts.refused;
-        return kRefused;
+        return refuse(host, FrameCause::kUnusable);
     }
-    return host.queue->stage(info, frame) ? kAccepted : refuse(host);
+    return stage(host, info, frame);
 }
 
 void KxSc__SetParamVal(int id, const void* value)
 {
     services().scenario.publish(id, value);
+    if (id == kKxScFrameCounter) {
+        services().fates.numberPublished();
+    }
 }
 
 void KxSc__InstSetParamVal(int instance, int id, const void* value)
@@ -172,16 +210,19 @@ void KxSc__InstSetParamVal(int instance, int id, const void* value)
 void KxSc__ProcExport(uint64_t timestampUs)
 {
     HostServices& host = services();
-    kxhost::ScenarioValues values = host.scenario.read();
-    if (host.queue != nullptr) {
-        values.configuration = host.generation;
-        values.awaySeconds = std::exchange(host.absence.secondsBefore, {});
-        host.queue->commit(timestampUs, values);
+    if (const std::optional<kxhost::LedgerMark> mark = host.fates.exported()) {
+        ++host.counts.exported;
+        kxhost::ScenarioValues values = host.scenario.read();
+        countWord(host, values);
+        if (host.queue != nullptr) {
+            values.ledger = *mark;
+            values.awaySeconds = std::exchange(host.absence.secondsBefore, {});
+            annotate(host, timestampUs, values);
+            host.queue->commit(timestampUs, values);
+        }
     }
     if (host.clock != nullptr) {
         host.clock->stamped(host.scenario.read().cameraTimeUs);
     }
-    ++host.counts.exported;
-    countWord(host, values);
     endHandOver(host);
 }

@@ -1,6 +1,8 @@
 // One grab of kxhost with the simulated cameras, as a process, and what it left on disk.
 #include "grab_session.h"
 
+#include "ledger_check.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -43,6 +45,13 @@ std::string busWithFault(const std::string& keys, bool paced)
         sensor.frameRate = 30; // slow enough that no frame before the fault is missed
     }
     return busWith(sensor, "[[camera.fault]]\n" + keys);
+}
+
+GrabSession::~GrabSession()
+{
+    if (const Json last = summary(); last.is_object()) {
+        expectLedger(last, frames());
+    }
 }
 
 std::unique_ptr<Process> GrabSession::start()
@@ -121,15 +130,8 @@ void expectBalance(const GrabSession& session)
     const auto number = [&](const char* section, const char* key) {
         return summary[section][key].get<std::uint64_t>();
     };
-    const std::uint64_t accepted = number("exported", "frames");
-    EXPECT_EQ(accepted, number("exported", "written") + number("lost", "export"));
-    EXPECT_EQ(summary["retrieved"].get<std::uint64_t>(),
-              summary["timing_only"].get<std::uint64_t>() + accepted +
-                  number("lost", "queue_full") + number("lost", "after_export_error") +
-                  number("lost", "refused"));
-    EXPECT_EQ(number("lost", "total"), number("lost", "camera") + number("lost", "queue_full") +
-                                           number("lost", "after_export_error") +
-                                           number("lost", "refused") + number("lost", "export"));
+    EXPECT_EQ(number("exported", "frames"),
+              number("exported", "written") + number("lost", "export"));
     EXPECT_EQ(session.frames().size(), number("exported", "written"));
     EXPECT_EQ(session.pictures().size(), number("exported", "pictures"));
 }

@@ -62,6 +62,12 @@ public:
     /// No file that kxhost writes may grow beyond this, as on a full disk; 0 = no limit.
     std::size_t filesMayGrowTo = 0;
 
+    GrabSession() = default;
+    /// Checks the ledger of the last run that left a summary, so that every test does.
+    ~GrabSession();
+    GrabSession(const GrabSession&) = delete;
+    GrabSession& operator=(const GrabSession&) = delete;
+
     void set(const std::string& setting) { settings.push_back(setting); }
 
     /// Path of the configuration file, which changes when a running grab is to see a change.

@@ -54,7 +54,7 @@ TEST_F(SessionLive, AFileWrittenInPlaceIsTakenOver)
     EXPECT_NEAR(levelBehind(grab), 51, 1);
     grab.writeConfiguration(kLoud);
     grab.waitForMessage("acquisition.gain in force from now on");
-    EXPECT_EQ(waitForGain(grab, 6)["configuration"], 2);
+    EXPECT_EQ(waitForGain(grab, 6).value("configuration_next", 0), 2) << "on its way";
     EXPECT_NEAR(levelBehind(grab), 51 * 1.995, 2);
     finish(grab);
 }

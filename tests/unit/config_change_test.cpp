@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 
@@ -41,6 +42,32 @@ TEST(ConfigChange, NamesWhatChangedComesOrGoes)
                          "output.prefix"};
     EXPECT_EQ(all(none, some), names);
     EXPECT_EQ(all(some, none), names);
+}
+
+TEST(ConfigChange, ValuesAreThoseOfTheLaterOne)
+{
+    const Configuration before =
+        read("[acquisition]\ngain = 3\nexposure = \"10 ms\"\n"
+             "[[iobox]]\npin = \"gpio0\"\nmode = \"output\"\nsource = \"strobe\"\n");
+    const Configuration after = read("[acquisition]\nexposure = \"20 ms\"\n[lut]\n"
+                                     "curve = \"invert\"\n[output]\nprefix = \"a\"\n");
+    const std::vector<KeyValue> live = changedValues(before, after, {Takes::kLive});
+    const auto has = [&](const std::string& key, const std::string& value) {
+        return std::ranges::find(live, KeyValue(key, value)) != live.end();
+    };
+    EXPECT_TRUE(has("acquisition.exposure", "20000 us"));
+    EXPECT_TRUE(has("acquisition.gain", "")) << "not set any more";
+    EXPECT_TRUE(has("lut.curve", "invert"));
+    EXPECT_TRUE(has("iobox[0].mode", ""));
+    EXPECT_EQ(changedValues(before, after, {Takes::kStart}),
+              (std::vector<KeyValue>{{"output.prefix", "a"}}));
+}
+
+TEST(ConfigChange, GivenValuesAreThoseThatSomebodyHasSet)
+{
+    EXPECT_EQ(givenValues(read("[output]\nprefix = \"a\"\n[acquisition]\ngain = 3\n")),
+              (std::vector<KeyValue>{{"acquisition.gain", "3 dB"}, {"output.prefix", "a"}}));
+    EXPECT_TRUE(givenValues(read("")).empty());
 }
 
 TEST(ConfigChange, SortsByWhenItTakesEffect)

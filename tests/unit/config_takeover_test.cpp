@@ -53,7 +53,7 @@ TEST_F(ConfigTakeover, NothingIsOfferedAtFirst)
     int restart = 0;
     EXPECT_GT(KxGi__DoReconfig(&restart), 0);
     EXPECT_EQ(restart, 0);
-    EXPECT_EQ(host().generation, 1U);
+    EXPECT_EQ(host().history.newest(), 1U);
 }
 
 TEST_F(ConfigTakeover, ALiveChangeIsInForceOnce)
@@ -66,9 +66,9 @@ TEST_F(ConfigTakeover, ALiveChangeIsInForceOnce)
               "kxhost: camera.toml has changed: some.key in force from now on.\n");
     EXPECT_EQ(KxGiMainCtx__GetGainMan(), 6.0F);
     EXPECT_EQ(KxGiMainCtx__GetIoboxNum(), 1U);
-    EXPECT_EQ(host().generation, 2U);
+    EXPECT_EQ(host().history.newest(), 2U);
     EXPECT_EQ(KxGi__CheckDynConfig(), 0);
-    EXPECT_EQ(host().generation, 2U);
+    EXPECT_EQ(host().history.newest(), 2U);
 }
 
 TEST_F(ConfigTakeover, ALiveChangeLeavesEverythingElseAsItIs)
@@ -112,7 +112,7 @@ TEST_F(ConfigTakeover, AReloadWithoutNewGeometryGoesOn)
     EXPECT_EQ(restart, 0);
     EXPECT_EQ(KxGiMainCtx__GetFps(), 20.0F);
     EXPECT_EQ(KxUtl__CheckSignal(), 0);
-    EXPECT_EQ(host().generation, 2U);
+    EXPECT_EQ(host().history.newest(), 2U);
     EXPECT_FALSE(fallBack(host())) << "the loop went on with it";
 }
 
@@ -179,7 +179,7 @@ TEST_F(ConfigTakeover, ARefusedReloadChangesNothing)
     EXPECT_EQ(restart, 0);
     EXPECT_EQ(KxGiMainCtx__GetGainMan(), 3.0F);
     EXPECT_EQ(KxUtl__CheckSignal(), 0) << "the loop goes on";
-    EXPECT_EQ(host().generation, 1U);
+    EXPECT_EQ(host().history.newest(), 1U);
 }
 
 TEST_F(ConfigTakeover, AReloadInAPassOfTwelveBitsBringsItsOwnFormat)
@@ -230,7 +230,7 @@ TEST_F(ConfigTakeover, ACameraThatRefusesItGetsTheOneBefore)
               "before.\n");
     EXPECT_EQ(KxGiMainCtx__GetWidth(), kKeep);
     EXPECT_EQ(KxGiMainCtx__GetLutDataU16(), table);
-    EXPECT_EQ(host().generation, 3U);
+    EXPECT_EQ(host().history.newest(), 3U);
     EXPECT_FALSE(fallBack(host())) << "once";
 }
 

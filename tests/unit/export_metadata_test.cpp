@@ -28,12 +28,21 @@ TEST(ExportMetadata, HoldsEveryScenarioParameter)
     values.rxBits = 12;
     values.configuration = 2;
     values.awaySeconds = 2.5F;
-    EXPECT_EQ(metadataLine(3, values, {}),
-              R"({"number":3,"timestamp_us":1700000000123456,"camera_time_us":127999968,)"
-              R"("frame_counter":7,"width":640,"height":480,"codec":"MONO8T","gain_db":5.3,)"
-              R"("exposure_us":9999.5,"unit":1000,"rx_data":4294967295,"rx_bits":12,)"
-              R"("configuration":2,"camera_away_s":2.5,"pictures":[]})"
-              "\n");
+    values.configurationNext = 3;
+    kxhost::ConfigHistory history;
+    history.start({{"acquisition.gain", "5.3 dB"}}, 9);
+    values.changes = history.takeNews();
+    values.ledger.stretch = 4;
+    values.ledger.lostBefore[kxhost::FrameCause::kQueueFull] = 1;
+    EXPECT_EQ(
+        metadataLine(3, values, {}),
+        R"({"number":3,"timestamp_us":1700000000123456,"camera_time_us":127999968,)"
+        R"("frame_counter":7,"stretch":4,"width":640,"height":480,"codec":"MONO8T","gain_db":5.3,)"
+        R"("exposure_us":9999.5,"unit":1000,"rx_data":4294967295,"rx_bits":12,)"
+        R"("configuration":2,"configuration_next":3,"configuration_changes":[{"number":1,)"
+        R"("kind":"start","at_us":9,"changed":{"acquisition.gain":"5.3 dB"}}],)"
+        R"("lost_before":{"queue_full":1},"camera_away_s":2.5,"pictures":[]})"
+        "\n");
 }
 
 TEST(ExportMetadata, WhatWasNotPublishedIsAbsent)

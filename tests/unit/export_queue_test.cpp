@@ -21,6 +21,7 @@ using kxhost::ExportTotals;
 using kxhost::FrameInfo;
 using kxhost::Instance;
 using kxhost::PictureFormat;
+using kxhost::Staging;
 using kxhost::WhenFull;
 using kxtest::TemporaryFolder;
 using Json = nlohmann::json;
@@ -37,7 +38,8 @@ ExportSettings settingsFor(const TemporaryFolder& folder)
 bool stageFrame(ExportQueue& queue, std::uint64_t number, Instance instance = Instance::kRaw)
 {
     const std::vector<std::uint8_t> pixels(4, static_cast<std::uint8_t>(number));
-    return queue.stage(FrameInfo{instance, 4, 1, "MONO8T", number}, pixels.data());
+    return queue.stage(FrameInfo{instance, 4, 1, "MONO8T", number}, pixels.data()).result ==
+           Staging::kAccepted;
 }
 
 void commitFrame(ExportQueue& queue, std::uint64_t number)
@@ -120,7 +122,8 @@ TEST(ExportQueue, TheCallerMayOverwriteThePixelsAtOnce)
     ExportQueue queue(settingsFor(folder));
     ASSERT_EQ(queue.start(), "");
     std::string pixels = "abcd";
-    ASSERT_TRUE(queue.stage(FrameInfo{Instance::kRaw, 4, 1, "MONO8T", 1}, pixels.data()));
+    ASSERT_EQ(queue.stage(FrameInfo{Instance::kRaw, 4, 1, "MONO8T", 1}, pixels.data()).result,
+              Staging::kAccepted);
     pixels = "XXXX";
     commitFrame(queue, 1);
     queue.finish();
@@ -237,7 +240,7 @@ TEST(ExportQueue, AnUnknownCodecIsAnExportError)
     const TemporaryFolder folder;
     ExportQueue queue(settingsFor(folder));
     ASSERT_EQ(queue.start(), "");
-    EXPECT_FALSE(queue.stage(FrameInfo{Instance::kRaw, 1, 1, "FOO", 1}, "x"));
+    EXPECT_EQ(queue.stage(FrameInfo{Instance::kRaw, 1, 1, "FOO", 1}, "x").result, Staging::kFailed);
     EXPECT_EQ(queue.firstError(), "Frames of the codec \"FOO\" cannot be written.");
 }
 

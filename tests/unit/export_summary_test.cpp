@@ -7,7 +7,35 @@
 
 namespace {
 
+using kxhost::FrameCause;
+using kxhost::FrameLedger;
 using kxhost::GrabSummary;
+
+/// The history that the numbers of the example come from.
+void fill(FrameLedger& ledger)
+{
+    std::uint32_t counter = 0;
+    const auto lose = [&](unsigned count, FrameCause cause) {
+        while (count-- > 0) {
+            ledger.lost(counter++, cause);
+        }
+    };
+    ledger.captureStarted();
+    lose(1, FrameCause::kTiming);
+    for (int i = 0; i < 3; ++i) {
+        ledger.retrievalFailed();
+    }
+    counter += 5; // two more than failed
+    lose(5, FrameCause::kUnusable);
+    lose(7, FrameCause::kQueueFull);
+    for (int i = 0; i < 85; ++i) {
+        ledger.delivered(counter++);
+    }
+    lose(3, FrameCause::kExportFailed);
+    for (std::uint32_t i = 1; i <= 4; ++i) {
+        ledger.notWritten(counter - 3 - i);
+    }
+}
 
 GrabSummary example()
 {
@@ -19,7 +47,6 @@ GrabSummary example()
     summary.retrieved = 101;
     summary.missing = 3;
     summary.timing = 1;
-    summary.gaps = 2;
     summary.refused = 5;
     summary.exported.accepted = 85;
     summary.exported.written = 81;
@@ -30,6 +57,7 @@ GrabSummary example()
     summary.exported.bytes = 1500000;
     summary.seconds = 4;
     summary.framePeriodUs = 40000;
+    fill(summary.ledger);
     return summary;
 }
 
@@ -51,6 +79,13 @@ TEST(ExportSummary, JsonSaysWhereFramesWereLost)
     EXPECT_EQ(json["lost"]["queue_full"], 7);
     EXPECT_EQ(json["lost"]["after_export_error"], 3);
     EXPECT_EQ(json["lost"]["refused"], 5);
+    EXPECT_EQ(json["lost"]["no_buffer"], 0);
+    EXPECT_EQ(json["lost"]["detached"], 0);
+    EXPECT_EQ(json["lost"]["unfinished"], 0);
+    EXPECT_EQ(json["ledger"]["values"], 106);
+    EXPECT_EQ(json["ledger"]["delivered"], 81);
+    EXPECT_EQ(json["ledger"]["imbalance"], 0);
+    EXPECT_TRUE(json["configurations"].empty());
     EXPECT_EQ(json["lost"]["export"], 4);
     EXPECT_DOUBLE_EQ(json["frame_rate"], 25.0);
     EXPECT_DOUBLE_EQ(json["write_rate"], 81 / 4.0);
@@ -72,6 +107,25 @@ TEST(ExportSummary, TextTellsPeopleTheSame)
     EXPECT_NE(text.find("lost      24 (camera 5, queue full 7, refused 5, export 7)"), text.npos)
         << text;
     EXPECT_NE(text.find("period of 40000 us"), text.npos) << text;
+    EXPECT_NE(text.find("ledger    106 values of the camera's counter = 81 delivered + 1 timing + "
+                        "2 camera skipped + 3 retrieval failed + 7 queue full + 5 unusable + "
+                        "7 export failed\n"),
+              text.npos)
+        << text;
+}
+
+TEST(ExportSummary, TextNamesRareLossesWhenThereAreSome)
+{
+    GrabSummary summary;
+    summary.ledger.delivered(1);
+    summary.ledger.heldUp(2);
+    summary.ledger.delivered(4);
+    summary.ledger.lost(5, FrameCause::kUnfinished);
+    const std::string text = kxhost::summaryText(summary);
+    EXPECT_NE(text.find("lost      3 (camera 0, queue full 0, refused 0, export 0, no buffer 2, "
+                        "unfinished 1)\n"),
+              text.npos)
+        << text;
 }
 
 TEST(ExportSummary, SaysWhichWordsWereReceived)

@@ -296,13 +296,21 @@ protected:
         KxSc__SetParamVal(kKxScWidth, &width_);
         KxSc__SetParamVal(kKxScHeight, &height_);
         KxSc__SetParamVal(kKxScCodec, "MONO8T");
-        KxSc__SetParamVal(kKxScFrameCounter, &counter_);
         KxGi__ResetTermSigProc();
     }
 
+    /// A frame arrives and carries this number.
+    void arrive(std::uint32_t counter)
+    {
+        KxGi__HaltStop(4, 2, 20);
+        counter_ = counter;
+        KxSc__SetParamVal(kKxScFrameCounter, &counter_);
+    }
+    LedgerTotals ledger() { return services().fates.ledger().totals(); }
+
     int trigger(std::uint32_t counter, std::uint64_t timestampUs, int instance = 0)
     {
-        counter_ = counter;
+        arrive(counter);
         return KxGiMemInst__Trigger(instance, 0, timestampUs, pixels_.data(), 0);
     }
 
@@ -312,34 +320,62 @@ protected:
     std::vector<std::uint8_t> pixels_ = {1, 2, 3, 4, 5, 6, 7, 8};
 };
 
-TEST_F(HandOver, CountsWhatTheCounterSkips)
+TEST_F(HandOver, TheLedgerHearsOfEachFrame)
 {
+    arrive(99); // only starts the timing
     EXPECT_EQ(trigger(100, 1), 0);
     KxSc__ProcExport(1);
-    EXPECT_EQ(trigger(101, 2), 0);
-    KxSc__ProcExport(2);
-    EXPECT_EQ(trigger(105, 3), 0);
-    KxSc__ProcExport(3);
-    EXPECT_EQ(counts().gaps, 3U);
-    EXPECT_EQ(counts().exported, 3U);
-}
-
-TEST_F(HandOver, DoesNotCountAFailedRetrievalAgainAsGap)
-{
-    trigger(100, 1);
     KxGi__HaltUpdate(4, -321);
-    trigger(103, 2);
-    EXPECT_EQ(counts().gaps, 1U);
+    EXPECT_EQ(trigger(103, 2), 0);
+    KxSc__ProcExport(2);
+    EXPECT_EQ(counts().exported, 2U);
+    EXPECT_EQ(counts().lost, 2U);
+    const LedgerTotals totals = ledger();
+    EXPECT_EQ(totals.arrived, 3U);
+    EXPECT_EQ(totals.values, 5U);
+    EXPECT_EQ(totals.delivered, 2U);
+    EXPECT_EQ(totals.causes[FrameCause::kTiming], 1U);
+    EXPECT_EQ(totals.causes[FrameCause::kRetrievalFailed], 1U);
+    EXPECT_EQ(totals.causes[FrameCause::kCameraSkipped], 1U);
+    EXPECT_EQ(totals.imbalance(), 0);
 }
 
-TEST_F(HandOver, ACounterThatStandsStillOrWrapsSkipsNothing)
+TEST_F(HandOver, AFrameThatIsNotExportedIsUnfinished)
 {
-    trigger(0, 1);
+    trigger(1, 1);
+    KxSc__ProcExport(1);
+    trigger(2, 2);
+    EXPECT_EQ(ledger().arrived, 1U) << "what becomes of it is open";
+    KxGi__SetTermSigProc();
+    EXPECT_EQ(ledger().causes[FrameCause::kUnfinished], 1U);
+    EXPECT_EQ(ledger().imbalance(), 0);
+}
+
+TEST_F(HandOver, AFrameIsNotTakenForTheOneBefore)
+{
+    trigger(1, 1);
+    KxSc__ProcExport(1);
+    KxGi__HaltStop(4, 2, 20); // ended before its number was published
+    KxGi__SetTermSigProc();
+    EXPECT_EQ(ledger().values, 1U);
+    EXPECT_EQ(ledger().offCounter, 1U);
+}
+
+TEST_F(HandOver, ACameraThatWasLostBeginsAnotherCount)
+{
+    trigger(1, 1);
+    KxSc__ProcExport(1);
+    KxGi__SetTermSigProc();
+    services().fates.cameraLost();
+    KxGi__ResetTermSigProc();
     trigger(0, 2);
-    trigger(0xFFFFFFFF, 3);
-    counts().gaps = 0;
-    trigger(0, 4);
-    EXPECT_EQ(counts().gaps, 0U);
+    KxSc__ProcExport(2);
+    const FrameLedger whole = services().fates.ledger();
+    ASSERT_EQ(whole.stretches().size(), 2U);
+    EXPECT_EQ(whole.stretches()[1].begin, CountBegin::kDetached);
+    EXPECT_EQ(services().history.newest(), 2U) << "the configuration was applied again";
+    KxGi__ResetTermSigProc();
+    EXPECT_EQ(services().history.newest(), 2U);
 }
 
 TEST_F(HandOver, RefusesFramesThatNobodyCouldRead)
@@ -439,6 +475,24 @@ TEST_F(HandOver, PicturesAndValuesReachTheFolder)
     EXPECT_EQ(queue.totals().written, 2U);
     EXPECT_EQ(queue.totals().pictures, 2U);
     std::filesystem::remove_all(folder);
+}
+
+TEST_F(HandOver, AFrameWithoutMemoryForItsCopyHasNoBuffer)
+{
+    ExportSettings output;
+    output.folder = testing::TempDir() + "kxhost_no_memory";
+    output.format = PictureFormat::kRaw;
+    ExportQueue queue(output);
+    ASSERT_EQ(queue.start(), "");
+    services().queue = &queue;
+    width_ = 0xFFFFFFFF;
+    height_ = 0xFFFFFFFF; // more than any address reaches
+    EXPECT_NE(trigger(1, 1), 0);
+    KxGi__SetTermSigProc();
+    EXPECT_EQ(ledger().causes[FrameCause::kNoBuffer], 1U);
+    EXPECT_FALSE(services().signals.finishAsked()) << "the next one may find some";
+    services().queue = nullptr;
+    std::filesystem::remove_all(output.folder);
 }
 
 TEST_F(HandOver, AFailedExportEndsTheGrab)

@@ -42,13 +42,9 @@ TEST(ProgressLine, LossesAreCountedWhereverTheyHappen)
 {
     GrabCounts counts;
     counts.retrieved = 1;
-    counts.missing = 1;
-    counts.gaps = 2;
-    counts.refused = 4;
+    counts.lost = 55;
     ExportTotals exported;
     exported.failed = 8;
-    exported.refusedFull = 16;
-    exported.refusedFailed = 32;
     exported.accepted = 100;
     exported.written = 89;
     EXPECT_EQ(ProgressLine(counts, 0, kStartUs).text(exported, kStartUs + 1'000'000),
