@@ -3,6 +3,7 @@
 
 #include "installation.h"
 
+#include <atomic>
 #include <cstdlib>
 #include <filesystem>
 
@@ -132,9 +133,12 @@ Plugin::Plugin(const PluginChoice& choice)
 
 void Plugin::setLogging(std::uint32_t level, std::uint32_t sinks, std::uint32_t id) const
 {
-    *logId_ = id;
-    *logSinks_ = sinks;
-    *logLevel_ = level;
+    const auto set = [](std::uint32_t& hostSwitch, std::uint32_t value) {
+        std::atomic_ref<std::uint32_t>(hostSwitch).store(value, std::memory_order_relaxed);
+    };
+    set(*logId_, id);
+    set(*logSinks_, sinks);
+    set(*logLevel_, level);
 }
 
 } // namespace kxhost

@@ -9,13 +9,14 @@
 
 #include "kx_export.h"
 
+#include <atomic>
 #include <cstdint>
 #include <cstdio>
 
 #include <syslog.h>
 
-// The host's switches, 0 at load. Plain variables that the host may change at any time; they are
-// read again for each message.
+// The host's switches, 0 at load. Plain variables that the host may change at any time, from any
+// thread and with std::atomic_ref while a grab runs; they are read again for each message.
 
 /// How much is written: 0 nothing, 1 errors, 2 also warnings, 3 information, 4 debug, 5 trace.
 extern KX_API std::uint32_t gKxLogLevelLib;
@@ -32,6 +33,12 @@ inline constexpr std::uint32_t kToSyslog = 2;
 /// Longest text in the system log; what is longer is cut.
 inline constexpr std::size_t kSyslogTextMax = 1022;
 
+/// What one of the switches is now; as cheap as reading the variable itself.
+inline std::uint32_t current(std::uint32_t& hostSwitch)
+{
+    return std::atomic_ref<std::uint32_t>(hostSwitch).load(std::memory_order_relaxed);
+}
+
 /// Writes one formatted line to the system log.
 [[gnu::format(printf, 2, 3)]] void writeSyslog(int priority, const char* format, ...);
 
@@ -40,11 +47,11 @@ inline constexpr std::size_t kSyslogTextMax = 1022;
 // Writes one message: SYSLOG_FORM is the parenthesised argument list of the system log's form.
 #define KX_LOG_WRITE_(THRESHOLD, SYSLOG_FORM, STDOUT_LETTER, BODY, ...)                            \
     do {                                                                                           \
-        if (gKxLogLevelLib >= (THRESHOLD)) [[unlikely]] {                                          \
-            if ((gKxLogModeLib & kxlog::kToSyslog) != 0) {                                         \
+        if (kxlog::current(gKxLogLevelLib) >= (THRESHOLD)) [[unlikely]] {                          \
+            if ((kxlog::current(gKxLogModeLib) & kxlog::kToSyslog) != 0) {                         \
                 kxlog::writeSyslog SYSLOG_FORM;                                                    \
             }                                                                                      \
-            if ((gKxLogModeLib & kxlog::kToStdout) != 0) {                                         \
+            if ((kxlog::current(gKxLogModeLib) & kxlog::kToStdout) != 0) {                         \
                 std::fprintf(stdout, "[%s:" STDOUT_LETTER "]: " BODY,                              \
                              KX_LOG_TAG __VA_OPT__(, ) __VA_ARGS__);                               \
             }                                                                                      \

@@ -48,7 +48,7 @@ void _t_SetLogMode(std::uint32_t instance, const char* program)
     // The system log keeps the pointer to its identity.
     static char _s_sysLogIdBuf[272];
     static bool _s_syslOpened = false;
-    if ((gKxLogModeLib & kxlog::kToSyslog) == 0 || _s_syslOpened) {
+    if ((kxlog::current(gKxLogModeLib) & kxlog::kToSyslog) == 0 || _s_syslOpened) {
         return;
     }
     static_cast<void>(
@@ -163,13 +163,13 @@ void lookForReconfiguration()
 int KxLibProc()
 {
     using namespace KxPGrey;
-    _t_SetLogMode(gKxLogIdLib, "korvex");
+    _t_SetLogMode(kxlog::current(gKxLogIdLib), "korvex");
     KX_LOG_D("init SDK staff\n");
     const int result = runOnBus();
     lookForReconfiguration();
     // An identity that begins with the C library's mark for no name says that the log was opened
     // late.
-    _t_SetLogMode(gKxLogIdLib, "(null)");
+    _t_SetLogMode(kxlog::current(gKxLogIdLib), "(null)");
     KX_LOG_I("Loop completed (exitCode = %i)\n", result);
     return result;
 }
