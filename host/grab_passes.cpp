@@ -9,6 +9,8 @@
 #include "services.h"
 
 #include <chrono>
+#include <exception>
+#include <string>
 #include <system_error>
 #include <utility>
 
@@ -27,6 +29,8 @@ constexpr int kPassSetUpFailed = -1;
 constexpr int kPassConfiguration = -2;
 constexpr int kPassNoPower = -5;
 constexpr int kPassLost = -10;
+/// Ours: an exception came out of the plug-in.
+constexpr int kPassThrew = -1000;
 
 /// Time between two looks for a camera.
 constexpr auto kLookAgain = 500ms;
@@ -58,6 +62,7 @@ PassEnd endOf(int code)
         return PassEnd::kAbsent;
     case kPassSetUpFailed:
     case kPassConfiguration:
+    case kPassThrew:
         return PassEnd::kRefused;
     default:
         return PassEnd::kBroken;
@@ -107,9 +112,32 @@ private:
         host_.scenario = {}; // what was published lay in the memory of the session before
         host_.absence.why.clear();
         ++host_.counts.passes;
-        const int code = plugin_.run();
+        const int code = runPlugin();
         endWidePass(host_);
         return code;
+    }
+
+    /// Outside of its loop the plug-in lets the camera library's exceptions pass. Once frames have
+    /// come they mean that the camera is lost, but for those that come when nothing is left to do.
+    int runPlugin()
+    {
+        try {
+            return plugin_.run();
+        } catch (const std::exception& error) {
+            if (host_.counts.retrieved == 0) {
+                throw;
+            }
+            host_.absence.why = std::string("the camera library gave it up: ") + error.what();
+            return isDone() ? kPassFine : kPassThrew;
+        }
+    }
+
+    /// Whether all frames have come that were wanted, or the end is asked for.
+    bool isDone() const
+    {
+        const std::uint64_t wanted = host_.settings.frames;
+        const bool isEnough = wanted != 0 && host_.counts.retrieved - host_.counts.timing >= wanted;
+        return isEnough || host_.signals.finishAsked();
     }
 
     /// A camera that is lost is waited for, and no other one is to be taken instead. So it must be
@@ -180,7 +208,7 @@ private:
             return askedWhileAway();
         }
         GrabResult result = describePass(code, asked);
-        if (code == kPassLost && !asked && !host_.absence.why.empty()) {
+        if ((code == kPassLost || code == kPassThrew) && !asked && !host_.absence.why.empty()) {
             result.reason = "The camera was lost: " + host_.absence.why + ".";
         }
         if (result.exitCode == kExitNoCamera && !patience_.isOver()) {

@@ -142,6 +142,51 @@ TEST(SessionReconnectLive, AReloadThatLosesTheCameraIsNotTakenForRefused)
         << grab.process().standardError();
 }
 
+/// A grab of the width 64 is to go on with 32, for which the library throws `times` times; 0 =
+/// always.
+std::string busThatThrowsAtSecondSetUp(unsigned times)
+{
+    return busWith(TestSensor(), std::string(kSlow) +
+                                     "[[camera.call_fault]]\noperation = "
+                                     "\"SetFormat7Configuration\"\nskip = 1\nthrows = "
+                                     "\"confused\"\ncount = " +
+                                     std::to_string(times) + "\n");
+}
+
+TEST(SessionReconnectLive, AReloadAtWhichTheLibraryThrowsIsTriedAgain)
+{
+    GrabSession session;
+    session.bus = busThatThrowsAtSecondSetUp(1);
+    session.configuration = "[region]\nwidth = 64\n";
+    session.set("grab.watch=false");
+    LiveGrab grab(session);
+    grab.waitForMoreFrames(3);
+    grab.writeConfiguration("[region]\nwidth = 32\n");
+    grab.signal(SIGHUP);
+    grab.waitForFrame("one of the new width",
+                      [](const Json& frame) { return frame["width"] == 32; });
+    EXPECT_EQ(grab.finish(), 0) << grab.process().standardError();
+    kxtest::expectBalance(session);
+}
+
+TEST(SessionReconnectLive, AReloadAtWhichTheLibraryThrowsEndsAGrabThatDoesNotWait)
+{
+    GrabSession session;
+    session.bus = busThatThrowsAtSecondSetUp(0);
+    session.configuration = "[region]\nwidth = 64\n";
+    session.settings = {"grab.watch=false", "camera.reconnect=no"};
+    LiveGrab grab(session);
+    grab.waitForMoreFrames(3);
+    grab.writeConfiguration("[region]\nwidth = 32\n");
+    grab.signal(SIGHUP);
+    grab.waitForMessage("The camera refused the new configuration: the grab goes on with the one "
+                        "before.");
+    grab.waitForMessage("kxhost: The camera was lost: the camera library gave it up: confused.");
+    constexpr int kCamera = 5;
+    EXPECT_EQ(grab.process().wait(), kCamera);
+    kxtest::expectBalance(session);
+}
+
 TEST(SessionReconnectLive, APassOfTwelveBitsThatLosesTheCameraIsMadeAgain)
 {
     GrabSession session;

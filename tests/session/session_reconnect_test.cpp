@@ -107,6 +107,9 @@ INSTANTIATE_TEST_SUITE_P(
         Way{"AndRefusesBuffersAtFirst",
             failsBehindReturn("\"SetUserBuffers\"", "skip = 1\ncount = 2\n"),
             "it does not answer any more."},
+        Way{"AndTheLibraryThrowsWhileItIsSetUp",
+            failsBehindReturn("\"SetFormat7Configuration\"", "skip = 1\nthrows = \"gone\"\n"),
+            "it does not answer any more."},
         Way{"AndDoesNotStartAtFirst", failsBehindReturn("\"StartCapture\"", "skip = 1\n"),
             "it does not answer any more."}),
     [](const auto& each) { return each.param.name; });
@@ -166,6 +169,38 @@ TEST(SessionReconnect, GivesUpWhenTheConfigurationIsRefused)
         << finished.err;
     expectFrames(session, 19, 3);
     expectBalance(session);
+}
+
+TEST(SessionReconnect, GivesUpWhenTheLibraryThrowsEachTimeItIsSetUp)
+{
+    GrabSession session;
+    session.bus =
+        busWith(TestSensor(), failsBehindReturn("\"SetFormat7Configuration\"",
+                                                "skip = 1\ncount = 0\nthrows = \"confused\"\n"));
+    session.set("grab.frames=100");
+    const Finished finished = session.run();
+    EXPECT_EQ(finished.code, kCamera) << finished.err;
+    EXPECT_NE(
+        finished.err.find("kxhost: Camera 424242 came back, but refused its configuration.\n"),
+        std::string::npos)
+        << finished.err;
+    expectFrames(session, 19, 3);
+    expectBalance(session);
+}
+
+/// The library throws in the last call that a session makes of the camera.
+constexpr const char* kThrowsAtTheEnd = "[[camera.call_fault]]\noperation = \"Disconnect\"\n"
+                                        "skip = 1\nthrows = \"gone\"\n";
+
+TEST(SessionReconnect, ALibraryThatThrowsWhenAllFramesAreThereIsNoLoss)
+{
+    GrabSession session;
+    session.bus = busWith(TestSensor(), kThrowsAtTheEnd);
+    const Finished finished = session.run();
+    EXPECT_EQ(finished.code, kFine) << finished.err;
+    EXPECT_EQ(finished.err, "");
+    expectFrames(session, 5, 3);
+    EXPECT_EQ(session.summary()["passes"], 1);
 }
 
 TEST(SessionReconnect, GivesUpWhenFramesAreOthersThanBefore)

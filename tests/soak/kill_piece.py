@@ -1,0 +1,83 @@
+"""Kills: SIGKILL at any time leaves whole pictures and whole lines, and the next grab is clean."""
+
+import os
+import random
+import signal
+import time
+
+import grab
+import ledger
+import pictures
+import records
+
+FORMATS = ["png", "tiff", "raw"]
+
+# What may come after a kill: from before the first frame to many written ones.
+LATEST_S = 0.8
+
+
+def _description():
+    return grab.bus(320, 240, 500, "register_time_us = 100\n", paced=False)
+
+
+def _killed(kxhost, folder, picture_format, delay):
+    """Output folder of a grab that is killed so long after its start."""
+    with grab.Grab(kxhost, folder, _description(), "",
+                   [f"output.format={picture_format}", "output.overwrite=true",
+                    "log.level=error"]) as running:
+        time.sleep(delay)
+        ended = not running.runs()
+        running.signal(signal.SIGKILL)
+        running.wait(60)
+        return running.output, [f"it had ended: {running.messages()}"] if ended else []
+
+
+def _left(output):
+    """Figures of what a killed grab has left, and what is wrong with it."""
+    figures = {"lines": 0, "pictures": 0, "parts": 0}
+    if not os.path.isdir(output):
+        return figures, []
+    followed = records.Records(output)
+    followed.end()
+    found = followed.complaints
+    for name in os.listdir(output):
+        if name.endswith(".part"):
+            figures["parts"] += 1
+        elif name != "frames.ndjson":
+            figures["pictures"] += 1
+            found += pictures.complaints(os.path.join(output, name))
+    figures["lines"] = followed.count
+    return figures, found
+
+
+def _next(kxhost, folder, picture_format):
+    """What is wrong with a grab into the folder of the killed one."""
+    with grab.Grab(kxhost, folder, _description(), "",
+                   [f"output.format={picture_format}", "output.overwrite=true", "grab.frames=3",
+                    "log.level=error"]) as running:
+        code = running.wait(60)
+        followed = records.Records(running.output)
+        followed.end()
+        found = followed.complaints + ledger.complaints(running.summary(), followed)
+        if code != 0:
+            found.append(f"the next grab ends with {code}: {running.messages()}")
+        found += [f"{name} is left after the next grab" for name in os.listdir(running.output)
+                  if name.endswith(".part")]
+        return found
+
+
+def run(kxhost, folder, seed, times):
+    """Returns figures and complaints."""
+    chance = random.Random(seed)
+    total = {"kills": 0, "lines": 0, "pictures": 0, "parts": 0}
+    found = []
+    for i in range(times):
+        place = os.path.join(folder, str(i))
+        picture_format = chance.choice(FORMATS)
+        output, wrong = _killed(kxhost, place, picture_format, chance.uniform(0, LATEST_S))
+        figures, also_wrong = _left(output)
+        total["kills"] += 1
+        for name, count in figures.items():
+            total[name] += count
+        found += wrong + also_wrong + _next(kxhost, place, picture_format)
+    return total, found

@@ -1,0 +1,72 @@
+"""The soak: a grab of a faulty camera that is tormented for a long time, and must stay as it was."""
+
+import random
+import time
+
+import flat
+import grab
+import ledger
+import records
+import storm
+
+# What a process may grow by from the first to the last third of a run, memory in KiB. The heap of a
+# program with threads is not flat to the page. One thread comes and goes with the camera, one
+# descriptor with each picture.
+ALLOWED = {"memory": 1024, "descriptors": 1, "threads": 1}
+
+SAMPLES = 400  # of a run, about
+
+
+def _torment(running, tormentor, followed, seconds):
+    """Strikes and looks until the time is over or the grab has ended. Returns the samples."""
+    samples = {name: [] for name in ALLOWED}
+    between = max(0.25, seconds / SAMPLES)
+    end = time.monotonic() + seconds
+    next_sample = time.monotonic()
+    while running.runs() and time.monotonic() < end:
+        tormentor.strike()
+        time.sleep(tormentor.random.uniform(0, 0.4))
+        followed.follow()
+        if time.monotonic() >= next_sample and (sample := running.sample()) is not None:
+            next_sample += between
+            for name, value in sample.items():
+                samples[name].append(value)
+    return samples
+
+
+def _figures(running, followed, samples, tormentor, seconds):
+    messages = running.messages()
+    said = lambda part: messages.count(part)
+    figures = {
+        "minutes": round(seconds / 60, 1), "frames": followed.count, "pictures": followed.pictures,
+        "captures": followed.values[-1][0] if followed.values else 0,
+        "camera lost": said(" is lost: "), "camera back": said(" is back after "),
+        "reloads": said(" Reloaded "), "live changes": said(" in force from now on."),
+        "words received": followed.words, "actions": sum(tormentor.done.values()),
+    }
+    for name, values in samples.items():
+        if len(values) >= flat.FEWEST:
+            figures[f"{name} grown by"] = flat.growth(values)
+            figures[f"{name} at the end"] = values[-1]
+    return figures
+
+
+def run(kxhost, folder, seed, seconds):
+    """Returns figures and complaints."""
+    chance = random.Random(seed)
+    with grab.Grab(kxhost, folder, storm.faulty_bus(chance), "",
+                   ["output.format=raw", "log.level=error"]) as running:
+        followed = records.Records(running.output, tidy=True)
+        tormentor = storm.Storm(running, chance)
+        running.wait_for_frames()  # until then signals end the process
+        samples = _torment(running, tormentor, followed, seconds)
+        found = [] if running.runs() else ["the grab has ended by itself"]
+        code = running.finish()
+        followed.end()
+        if code != 0:
+            found.append(f"exit code {code} instead of 0: {running.messages()[-500:]}")
+        found += followed.complaints
+        found += ledger.complaints(running.summary(), followed)
+        for name, values in samples.items():
+            found += flat.complaints(name, values, ALLOWED[name])
+        return _figures(running, followed, samples, tormentor, seconds), found
