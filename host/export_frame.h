@@ -27,6 +27,14 @@ struct FrameInfo {
     std::uint64_t timestampUs = 0; ///< start of the exposure on the host's clock, us since 1970
 };
 
+/// When the host got a frame, and how long it took to hand it over.
+struct FrameTimes {
+    std::uint64_t arrivedUs = 0;  ///< us since 1970
+    std::uint64_t steadyUs = 0;   ///< the same on a clock that never steps
+    std::uint64_t handedUs = 0;   ///< from the arrival to the begin of the hand-over
+    std::uint64_t handOverUs = 0; ///< copying it into the queue, the wait for a place included
+};
+
 /// The scenario parameters as they stood when a frame was exported; empty = not published.
 /// kx_scenario.h says what each one means.
 struct ScenarioValues {
@@ -49,6 +57,7 @@ struct ScenarioValues {
     std::optional<std::uint32_t> configurationNext; ///< or one up to this made it
     std::vector<ConfigurationChangePtr> changes;    ///< since the frame before
     LedgerMark ledger;
+    FrameTimes times;
     std::optional<float> awaySeconds; ///< how long the camera was lost before it
 };
 

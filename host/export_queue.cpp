@@ -24,9 +24,12 @@ namespace kxhost {
 
 namespace {
 
+using Clock = std::chrono::steady_clock;
+
 /// One picture of a frame, waiting in its place.
 struct Waiting {
     bool present = false;
+    bool copied = false; // its pixels are here
     FrameInfo info;
     std::vector<std::uint8_t> pixels; // only ever grows
 };
@@ -34,7 +37,9 @@ struct Waiting {
 /// One place of the queue. It belongs to the grab thread until the frame is committed, then to the
 /// writer that takes it, then (with `done`) to whoever completes the metadata.
 struct Place {
+    std::uint64_t number = 0; // of the frame, from 1
     std::uint64_t timestampUs = 0;
+    bool staging = false; // until the commit
     std::array<Waiting, 2> pictures;
     ScenarioValues values;
     std::string line; // metadata
@@ -42,13 +47,27 @@ struct Place {
     std::uint64_t fileBytes = 0;
     bool whole = false; // every picture is written
     bool done = false;  // its writer has let go of it
+    Clock::time_point committed;
+    Clock::time_point taken;
+    Clock::time_point written;
 };
 
-std::uint64_t microsecondsSince(std::chrono::steady_clock::time_point start)
+std::uint64_t microsecondsBetween(Clock::time_point start, Clock::time_point end)
 {
-    const auto passed = std::chrono::steady_clock::now() - start;
     return static_cast<std::uint64_t>(
-        std::chrono::duration_cast<std::chrono::microseconds>(passed).count());
+        std::chrono::duration_cast<std::chrono::microseconds>(end - start).count());
+}
+
+TappedFrame tapped(const Place& place)
+{
+    const Waiting& picture = place.pictures[0].present ? place.pictures[0] : place.pictures[1];
+    std::span<const std::uint8_t> pixels;
+    if (picture.copied) {
+        const FrameInfo& info = picture.info;
+        pixels = {picture.pixels.data(),
+                  pictureBytes(*findCodec(info.codec), info.width, info.height)};
+    }
+    return {place.number, picture.info, pixels, place.values};
 }
 
 } // namespace
@@ -59,6 +78,7 @@ public:
         : settings_(std::move(settings)), places_(std::max<std::size_t>(settings_.queueDepth, 1))
     {}
 
+    void addTap(ExportTap& tap) { taps_.push_back(&tap); }
     std::string start();
     std::size_t reserve(Instance instance, std::size_t bytes);
     Staged stage(const FrameInfo& info, const void* pixels);
@@ -72,10 +92,11 @@ private:
     using Lock = std::unique_lock<std::mutex>;
 
     Place& place(std::uint64_t frame) { return places_[frame % places_.size()]; }
-    bool copiesPixels() const
+    bool writesPixels() const
     {
         return !settings_.folder.empty() && settings_.format != PictureFormat::kNone;
     }
+    bool copiesPixels() const;
     Staged waitForPlace(Lock& lock);
     static bool keep(Waiting& staged, const void* pixels, std::size_t bytes);
     void forgetStaged(std::uint64_t timestampUs);
@@ -85,8 +106,10 @@ private:
     void writeFrame(std::uint64_t frame, PictureWriter& writer);
     void releaseDone(Lock& lock);
     std::string complete(const Place& oldest);
+    void showLast();
 
     const ExportSettings settings_;
+    std::vector<ExportTap*> taps_;
     std::vector<Place> places_;
     std::vector<std::thread> writers_;
 
@@ -133,7 +156,7 @@ std::size_t ExportQueue::Impl::reserve(Instance instance, std::size_t bytes)
     Lock lock(mutex_);
     // Places that still wait to be written keep their memory until they are free.
     freed_.wait(lock, [this] { return released_ == committed_; });
-    if (!copiesPixels()) {
+    if (!writesPixels() && taps_.empty()) {
         return places_.size();
     }
     std::size_t ready = 0;
@@ -151,10 +174,20 @@ std::size_t ExportQueue::Impl::reserve(Instance instance, std::size_t bytes)
     return ready;
 }
 
+bool ExportQueue::Impl::copiesPixels() const
+{
+    bool wanted = writesPixels();
+    for (ExportTap* tap : taps_) {
+        wanted = tap->wantsPixels() || wanted;
+    }
+    return wanted;
+}
+
 void ExportQueue::Impl::forgetStaged(std::uint64_t timestampUs)
 {
     Place& next = place(committed_);
-    if (next.timestampUs != timestampUs) {
+    if (!next.staging || next.timestampUs != timestampUs) {
+        next.staging = true;
         next.timestampUs = timestampUs;
         for (Waiting& staged : next.pictures) {
             staged.present = false;
@@ -170,9 +203,9 @@ Staged ExportQueue::Impl::waitForPlace(Lock& lock)
     }
     const auto isFree = [this] { return committed_ - released_ < places_.size(); };
     if (!isFree() && settings_.whenFull == WhenFull::kWait && error_.empty()) {
-        const auto start = std::chrono::steady_clock::now();
+        const auto start = Clock::now();
         freed_.wait(lock, [&] { return isFree() || !error_.empty(); });
-        staged.waitedUs = microsecondsSince(start);
+        staged.waitedUs = microsecondsBetween(start, Clock::now());
         totals_.waits += 1;
         totals_.waitUs += staged.waitedUs;
     }
@@ -217,7 +250,8 @@ Staged ExportQueue::Impl::stage(const FrameInfo& info, const void* pixels)
     }
     // From here to the commit the place is this thread's alone.
     Waiting& staged = place(committed_).pictures[static_cast<std::size_t>(info.instance)];
-    if (copiesPixels() && !keep(staged, pixels, pictureBytes(*codec, info.width, info.height))) {
+    staged.copied = copiesPixels();
+    if (staged.copied && !keep(staged, pixels, pictureBytes(*codec, info.width, info.height))) {
         const Lock lock(mutex_);
         totals_.refusedMemory += 1;
         result.result = Staging::kNoMemory;
@@ -236,12 +270,15 @@ void ExportQueue::Impl::commit(std::uint64_t timestampUs, const ScenarioValues& 
     }
     Place& next = place(committed_);
     const bool staged = next.pictures[0].present || next.pictures[1].present;
-    if (!staged || next.timestampUs != timestampUs) {
+    if (!staged || !next.staging || next.timestampUs != timestampUs) {
         return;
     }
+    committed_ += 1;
+    next.staging = false;
+    next.number = committed_;
     next.values = values;
     next.done = false;
-    committed_ += 1;
+    next.committed = Clock::now();
     totals_.accepted += 1;
     totals_.deepest = std::max(totals_.deepest, static_cast<std::size_t>(committed_ - released_));
     work_.notify_one();
@@ -271,8 +308,15 @@ void ExportQueue::Impl::runWriter()
         mine.whole = false;
         mine.fileCount = 0;
         mine.fileBytes = 0;
+        mine.taken = Clock::now();
         if (!skip) {
             writeFrameSafely(frame, writer);
+        }
+        mine.written = Clock::now();
+        if (mine.whole) {
+            for (ExportTap* tap : taps_) {
+                tap->look(tapped(mine));
+            }
         }
         lock.lock();
         mine.done = true;
@@ -332,21 +376,23 @@ void ExportQueue::Impl::releaseDone(Lock& lock)
         Place& oldest = place(released_);
         lock.unlock();
         const std::string error = complete(oldest);
+        oldest.whole = oldest.whole && error.empty();
+        for (ExportTap* tap : taps_) {
+            tap->released({oldest.number, oldest.timestampUs, oldest.values, oldest.whole,
+                           microsecondsBetween(oldest.committed, oldest.taken),
+                           microsecondsBetween(oldest.taken, oldest.written)});
+        }
         lock.lock();
         if (!error.empty()) {
             fail(error);
         }
-        const bool written = oldest.whole && error.empty();
-        totals_.written += written ? 1U : 0U;
-        if (!written) {
+        totals_.written += oldest.whole ? 1U : 0U;
+        if (!oldest.whole) {
             totals_.failed += 1;
             failedFrames_.push_back(oldest.values.frameCounter);
         }
         totals_.pictures += oldest.fileCount;
         totals_.bytes += oldest.fileBytes;
-        for (Waiting& staged : oldest.pictures) {
-            staged.present = false;
-        }
         released_ += 1;
         freed_.notify_all();
     }
@@ -363,10 +409,28 @@ void ExportQueue::Impl::finish()
     for (std::thread& writer : writers_) {
         writer.join();
     }
+    if (!writers_.empty()) {
+        showLast();
+    }
     writers_.clear();
     if (const std::string error = metadata_.close(); !error.empty()) {
         const Lock lock(mutex_);
         fail(error);
+    }
+}
+
+/// Its place is only taken by another frame, or lost with the memory for places.
+void ExportQueue::Impl::showLast()
+{
+    const Lock lock(mutex_);
+    if (committed_ == 0) {
+        return;
+    }
+    const Place& newest = place(committed_ - 1);
+    if (newest.number == committed_ && !newest.staging && newest.whole) {
+        for (ExportTap* tap : taps_) {
+            tap->last(tapped(newest));
+        }
     }
 }
 
@@ -395,6 +459,11 @@ ExportQueue::ExportQueue(ExportSettings settings)
 ExportQueue::~ExportQueue()
 {
     impl_->finish();
+}
+
+void ExportQueue::addTap(ExportTap& tap)
+{
+    impl_->addTap(tap);
 }
 
 std::string ExportQueue::start()

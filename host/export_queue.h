@@ -5,6 +5,7 @@
 
 #include "export_frame.h"
 #include "export_settings.h"
+#include "export_tap.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -58,6 +59,9 @@ public:
     ~ExportQueue();
     ExportQueue(const ExportQueue&) = delete;
     ExportQueue& operator=(const ExportQueue&) = delete;
+
+    /// Lets somebody look at the frames. REQUIRES: called before `start`; `tap` outlives the queue.
+    void addTap(ExportTap& tap);
 
     /// Makes the folder ready and starts the writers. Returns an empty text, or why it cannot be
     /// done (one sentence). REQUIRES: called once, before frames are staged.

@@ -72,6 +72,7 @@ ScenarioValues Scenario::read() const
         .configurationNext = {},
         .changes = {},
         .ledger = {},
+        .times = {},
         .awaySeconds = {},
     };
 }

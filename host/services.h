@@ -75,7 +75,9 @@ struct HostServices {
     bool firstFrame = false;               ///< the next frame to arrive only starts the timing
     unsigned missingInRow = 0; ///< failed retrievals since the last frame, while asked to end
     FrameFates fates{scenario, counts};
-    std::uint64_t handOverFrame = 0; ///< time stamp of the frame that is being handed over
+    std::uint64_t arrivedUs = 0;       ///< the frame that arrived last, us since 1970
+    std::uint64_t arrivedSteadyUs = 0; ///< the same on the steady clock
+    std::uint64_t handOverFrame = 0;   ///< time stamp of the frame that is being handed over
     std::uint64_t handOverStartUs = 0;
 };
 

@@ -99,7 +99,8 @@ void KxGi__SetCurrFpsUs(uint32_t periodUs)
 void KxGi__HaltStop(int width, int height, float celsius)
 {
     kxhost::HostServices& host = services();
-    const std::uint64_t now = kxhost::steadyUs();
+    const std::uint64_t now = host.arrivedSteadyUs = kxhost::steadyUs();
+    host.arrivedUs = kxhost::wallUs();
     host.watch.frameArrived(now, isTemperature(celsius));
     if (host.firstFrame) {
         kxhost::captureDelivers(host, static_cast<uint32_t>(width), static_cast<uint32_t>(height));
@@ -109,7 +110,7 @@ void KxGi__HaltStop(int width, int height, float celsius)
     }
     host.counts.lastUs = now;
     if (host.clock != nullptr) {
-        host.clock->arrived(kxhost::wallUs(), now);
+        host.clock->arrived(host.arrivedUs, now);
     }
     if (host.firstFrame) {
         host.firstFrame = false;

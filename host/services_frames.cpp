@@ -120,7 +120,14 @@ int stage(HostServices& host, const kxhost::FrameInfo& info, const void* frame)
     return refuse(host, causeOf(staged.result));
 }
 
-/// The configuration that made the frame, and what was lost before it.
+/// The frame that arrived last is the one that is handed over.
+kxhost::FrameTimes timesOf(const HostServices& host)
+{
+    return {host.arrivedUs, host.arrivedSteadyUs, host.handOverStartUs - host.arrivedSteadyUs,
+            kxhost::steadyUs() - host.handOverStartUs};
+}
+
+/// The configuration that made the frame, and when it came.
 void annotate(HostServices& host, uint64_t timestampUs, kxhost::ScenarioValues& values)
 {
     const float exposureUs = std::max(values.exposureUs.value_or(0), 0.0F);
@@ -131,6 +138,7 @@ void annotate(HostServices& host, uint64_t timestampUs, kxhost::ScenarioValues& 
         values.configurationNext = mark.newest;
     }
     values.changes = host.history.takeNews();
+    values.times = timesOf(host);
 }
 
 } // namespace

@@ -4,8 +4,10 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <filesystem>
 #include <fstream>
+#include <thread>
 #include <vector>
 
 namespace kxhost {
@@ -359,6 +361,42 @@ TEST_F(HandOver, AFrameIsNotTakenForTheOneBefore)
     KxGi__SetTermSigProc();
     EXPECT_EQ(ledger().values, 1U);
     EXPECT_EQ(ledger().offCounter, 1U);
+}
+
+/// Keeps the times of the frame that is through.
+class TimesTap : public ExportTap {
+public:
+    bool wantsPixels() noexcept override { return false; }
+    void look(const TappedFrame&) noexcept override {}
+    void released(const ReleasedFrame& frame) noexcept override { times = frame.values.times; }
+    void last(const TappedFrame&) noexcept override {}
+
+    FrameTimes times;
+};
+
+TEST_F(HandOver, AFrameCarriesWhenItArrivedAndHowLongItsHandOverTook)
+{
+    constexpr std::uint64_t kMinuteUs = 60'000'000;
+    TimesTap tap;
+    ExportQueue queue(ExportSettings{});
+    queue.addTap(tap);
+    ASSERT_EQ(queue.start(), "");
+    services().queue = &queue;
+    const std::uint64_t steady = steadyUs();
+    const std::uint64_t wall = wallUs();
+    arrive(1);
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    EXPECT_EQ(KxGiMemInst__Trigger(0, 0, 7, pixels_.data(), 0), 0);
+    std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    KxSc__ProcExport(7);
+    queue.finish();
+    services().queue = nullptr;
+    const std::uint64_t passed = steadyUs() - steady;
+    EXPECT_GE(tap.times.steadyUs, steady);
+    EXPECT_LT(tap.times.arrivedUs - wall, kMinuteUs);
+    EXPECT_GE(tap.times.handedUs, 20'000U);
+    EXPECT_GE(tap.times.handOverUs, 10'000U);
+    EXPECT_LE(tap.times.handedUs + tap.times.handOverUs, passed);
 }
 
 TEST_F(HandOver, ACameraThatWasLostBeginsAnotherCount)
