@@ -166,13 +166,34 @@ Session ioBoxSession()
 
 /// Pauses that the control thread has made in this run.
 std::atomic<unsigned> controlPauses{0};
+/// Pauses that it may make: it gets on only while the grab loop waits for it, so that what comes
+/// first does not depend on how fast the machine is.
+std::atomic<unsigned> allowedPauses{0};
+std::atomic<bool> isToEnd{false};
+constexpr std::chrono::microseconds kLook{200};
 
-/// Waits until the control thread has made so many pauses more, or is not there any more.
+/// Lets the control thread make so many pauses more, and waits for them; less if it ends.
 void waitForControlThread(unsigned pauses)
 {
-    const unsigned wanted = controlPauses + pauses;
+    const unsigned wanted = allowedPauses += pauses;
     while (controlPauses < wanted && kxtest::realTimeThreads() > 0) {
-        std::this_thread::sleep_for(std::chrono::microseconds(200));
+        std::this_thread::sleep_for(kLook);
+    }
+}
+
+/// The control thread waits until it is let on; a pause of the other thread while there is a
+/// control thread is one of waiting for its end.
+void pauseOf(bool realTime)
+{
+    if (!realTime) {
+        if (kxtest::realTimeThreads() > 0) {
+            isToEnd = true;
+        }
+        return;
+    }
+    ++controlPauses;
+    while (controlPauses > allowedPauses && !isToEnd) {
+        std::this_thread::sleep_for(kLook);
     }
 }
 
@@ -254,9 +275,11 @@ void prepareHost(const Session& session)
         }
     };
     controlPauses = 0;
+    allowedPauses = 0;
+    isToEnd = false;
     kxtest::setRealTime(session.controlThread ? kxtest::RealTime::granted
                                               : kxtest::RealTime::refused);
-    kxtest::onUsleep([](bool realTime) { controlPauses += realTime ? 1 : 0; });
+    kxtest::onUsleep(pauseOf);
 }
 
 } // namespace kxcampaign

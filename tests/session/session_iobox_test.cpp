@@ -84,15 +84,15 @@ protected:
         session_.set("output.format=none");
     }
 
-    /// Runs an example on its bus to its end.
+    /// Runs an example on its bus to its end. The sensor is made smaller, so that a slow machine
+    /// draws its pictures in time.
     kxtest::Finished runExample(const std::string& name)
     {
         const std::string examples = KX_TEST_EXAMPLES "/";
-        const std::string log = "log = \"io-box.log\"";
         session_.bus = kxtest::readText(examples + "io-box.toml");
-        const std::size_t place = session_.bus.find(log);
-        EXPECT_NE(place, std::string::npos);
-        session_.bus.replace(place, log.size(), "log = \"" + boxLog() + "\"");
+        replaceInBus("log = \"io-box.log\"", "log = \"" + boxLog() + "\"");
+        replaceInBus("width = 640", "width = 160");
+        replaceInBus("height = 480", "height = 120");
         session_.settings = {"log.level=info", "output.format=none"};
         session_.arguments = {"-c", examples + name};
         kxtest::Finished finished = session_.run();
@@ -100,6 +100,13 @@ protected:
         EXPECT_EQ(finished.err, "");
         EXPECT_EQ(kxtest::expectNothingLost(session_), 0U);
         return finished;
+    }
+
+    void replaceInBus(const std::string& before, const std::string& after)
+    {
+        const std::size_t place = session_.bus.find(before);
+        ASSERT_NE(place, std::string::npos) << before;
+        session_.bus.replace(place, before.size(), after);
     }
 
     std::string boxLog() const { return session_.folder().file("box.log"); }
