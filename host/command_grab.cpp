@@ -1,16 +1,23 @@
 // kxhost grab: from the configuration to the summary.
 #include "commands.h"
+#include "config.h"
 #include "config_change.h"
 #include "config_hints.h"
+#include "export_file.h"
 #include "export_summary.h"
 #include "grab_run.h"
 #include "notify_socket.h"
 #include "progress.h"
 #include "real_time.h"
+#include "report_page.h"
+#include "run_recorder.h"
 #include "service_status.h"
 #include "services.h"
 
+#include <climits>
+
 #include <algorithm>
+#include <array>
 #include <csignal>
 #include <cstdio>
 
@@ -66,13 +73,9 @@ void judge(GrabSummary& summary, std::int64_t maxLosses, const std::string& expo
     }
 }
 
-/// Writes the summary file if one is wanted; a grab that went well has failed if that fails.
-void saveSummary(const CommandLine& commandLine, GrabSummary& summary)
+/// What could not be written is an error of a grab that went well; otherwise it is told.
+void saved(const std::string& error, GrabSummary& summary)
 {
-    if (commandLine.summaryFile.empty()) {
-        return;
-    }
-    const std::string error = writeSummary(summary, commandLine.summaryFile);
     if (error.empty()) {
         return;
     }
@@ -84,25 +87,95 @@ void saveSummary(const CommandLine& commandLine, GrabSummary& summary)
     }
 }
 
+/// The camera as far as it is known, by what it was chosen.
+std::string cameraText(const CameraChoice& choice)
+{
+    const char* const comma = choice.model.empty() || choice.serial.empty() ? "" : ", ";
+    return choice.model + comma + (choice.serial.empty() ? "" : "serial " + choice.serial);
+}
+
+std::string libraryText(const PluginChoice& choice)
+{
+    if (choice.simulate) {
+        return choice.bus.empty() ? "simulated cameras" : "simulated cameras of " + choice.bus;
+    }
+    return choice.cameraLibrary.empty() ? "the installed one" : choice.cameraLibrary;
+}
+
+std::string nameOfComputer()
+{
+    std::array<char, HOST_NAME_MAX + 1> name{};
+    return gethostname(name.data(), name.size() - 1) == 0 ? name.data() : "";
+}
+
+/// What is written at the end of a grab, where it is wanted.
+class Outputs {
+public:
+    explicit Outputs(const CommandLine& commandLine) : commandLine_(commandLine)
+    {
+        report_.facts.computer = nameOfComputer();
+        report_.facts.hostVersion = KXHOST_VERSION;
+        report_.facts.configuration = commandLine.configuration;
+        report_.facts.library = libraryText(commandLine.plugin);
+    }
+
+    ReportFacts& facts() { return report_.facts; }
+
+    /// Why the report cannot be written; empty = it can, or none is wanted. Then it is not tried
+    /// again.
+    std::string whyNoReport()
+    {
+        const std::string why =
+            commandLine_.reportFile.empty() ? "" : whyNotWritable(commandLine_.reportFile);
+        isRefused_ = !why.empty();
+        return why;
+    }
+    /// Lets the report see the frames. REQUIRES: the queue has not started.
+    void watch(ExportQueue& queue)
+    {
+        if (!commandLine_.reportFile.empty()) {
+            queue.addTap(recorder_);
+        }
+    }
+    /// The report comes first: the summary shows if it fails. REQUIRES: no writer is at work.
+    void write(GrabSummary& summary)
+    {
+        if (!commandLine_.reportFile.empty() && !isRefused_) {
+            report_.summary = summary;
+            report_.record = recorder_.record();
+            report_.writtenUs = wallUs();
+            saved(writeReport(report_, commandLine_.reportFile), summary);
+        }
+        if (!commandLine_.summaryFile.empty()) {
+            saved(writeSummary(summary, commandLine_.summaryFile), summary);
+        }
+    }
+
+private:
+    const CommandLine& commandLine_;
+    RunRecorder recorder_;
+    Report report_;
+    bool isRefused_ = false;
+};
+
 /// Ends a grab that never began, of which the user was told. There is nothing to count, but who
 /// reads the summary file learns why.
-int giveUp(const CommandLine& commandLine, const NotifySocket& manager, int exitCode,
-           const std::string& reason)
+int giveUp(Outputs& outputs, const NotifySocket& manager, int exitCode, const std::string& reason)
 {
     manager.send("STOPPING=1\n" + statusLine(reason));
     GrabSummary summary;
     summary.exitCode = exitCode;
     summary.reason = reason;
     summary.folder = services().settings.outputFolder;
-    saveSummary(commandLine, summary);
+    outputs.write(summary);
     return summary.exitCode;
 }
 
-/// Writes the summary where it is wanted and returns the exit code.
-int report(const CommandLine& commandLine, GrabSummary summary)
+/// Writes and prints what is wanted, and returns the exit code.
+int report(bool quiet, Outputs& outputs, GrabSummary summary)
 {
-    saveSummary(commandLine, summary);
-    if (!commandLine.quiet) {
+    outputs.write(summary);
+    if (!quiet) {
         std::fputs(summaryText(summary).c_str(), stdout);
     }
     if (summary.exitCode != kExitFine) {
@@ -112,14 +185,19 @@ int report(const CommandLine& commandLine, GrabSummary summary)
 }
 
 int grab(const CommandLine& commandLine, const Configuration& configuration, const Plugin& plugin,
-         const NotifySocket& manager)
+         const NotifySocket& manager, Outputs& outputs)
 {
     HostServices& host = services();
     const Settings& settings = configuration.settings;
     ExportQueue queue(exportSettings(settings));
-    if (const std::string error = queue.start(); !error.empty()) {
+    outputs.watch(queue);
+    std::string error = queue.start();
+    if (error.empty()) { // the report may go into the folder that was made
+        error = outputs.whyNoReport();
+    }
+    if (!error.empty()) {
         complain(error);
-        return giveUp(commandLine, manager, kExitExport, error);
+        return giveUp(outputs, manager, kExitExport, error);
     }
     host.queue = &queue;
     host.plugin = &plugin;
@@ -142,7 +220,10 @@ int grab(const CommandLine& commandLine, const Configuration& configuration, con
     GrabSummary summary = summarize(result, settings, queue);
     judge(summary, settings.maxLosses, queue.firstError());
     status.end(summary.reason);
-    const int exitCode = report(commandLine, summary);
+    if (!result.abandoned && host.choice) {
+        outputs.facts().camera = cameraText(*host.choice);
+    }
+    const int exitCode = report(commandLine.quiet, outputs, summary);
     if (result.abandoned) {
         // The grab thread may still use all of this.
         std::fflush(nullptr);
@@ -160,8 +241,9 @@ int commandGrab(const CommandLine& commandLine)
     blockSteeringSignals(); // first: who sends one does not know how far this process is
     const NotifySocket manager = managerOfEnvironment();
     Configuration configuration;
+    Outputs outputs(commandLine);
     if (!configure(commandLine, configuration)) {
-        return giveUp(commandLine, manager, kExitConfiguration, "The configuration was refused.");
+        return giveUp(outputs, manager, kExitConfiguration, "The configuration was refused.");
     }
     if (!commandLine.quiet) {
         for (const std::string& hint : hintsOn(configuration)) {
@@ -169,6 +251,8 @@ int commandGrab(const CommandLine& commandLine)
         }
     }
     const Settings& settings = services().settings = configuration.settings;
+    outputs.facts().camera = cameraText(choiceOf(settings));
+    outputs.facts().inForce = describeConfiguration(configuration);
     services().history.start(givenValues(configuration), wallUs());
     if (const std::string trouble = realTimeTrouble(settings); !trouble.empty()) {
         complain(trouble);
@@ -181,10 +265,11 @@ int commandGrab(const CommandLine& commandLine)
         const Plugin plugin(commandLine.plugin);
         plugin.setLogging(static_cast<std::uint32_t>(settings.logLevel),
                           static_cast<std::uint32_t>(settings.logSinks), settings.logId);
-        return grab(commandLine, configuration, plugin, manager);
+        outputs.facts().pluginVersion = plugin.version();
+        return grab(commandLine, configuration, plugin, manager, outputs);
     } catch (const LoadError& error) {
         complain(error.what());
-        return giveUp(commandLine, manager, error.exitCode(), error.what());
+        return giveUp(outputs, manager, error.exitCode(), error.what());
     }
 }
 

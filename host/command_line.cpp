@@ -25,6 +25,8 @@ Examples:
       The cameras on the buses of this computer.
   kxhost grab -c camera.toml --set output.format=tiff
       A configured grab, with another picture format, until Ctrl-C.
+  kxhost grab -c camera.toml --frames 1000 --output pictures --report report.html
+      The same with a page for the browser that tells how it went, frame by frame.
   kxhost check -c camera.toml
       What a configuration says, key by key, and its mistakes.
   kxhost doctor
@@ -207,6 +209,10 @@ private:
         addPluginOptions(app);
         app->add_option("--summary", result_.summaryFile, "Write the summary there as JSON")
             ->type_name("FILE");
+        app->add_option("--report", result_.reportFile,
+                        "Write a page for browsers there, at the end: how it went, pictures, "
+                        "histograms, times, losses, configuration")
+            ->type_name("FILE.html");
         app->add_flag("-q,--quiet", result_.quiet, "Neither progress nor summary");
     }
 

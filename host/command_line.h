@@ -32,6 +32,7 @@ struct CommandLine {
     std::vector<std::string> overrides; ///< "section.key=value", in the order in which they apply
     PluginChoice plugin;
     std::string summaryFile; ///< empty = none
+    std::string reportFile;  ///< empty = none
     bool quiet = false;      ///< neither progress nor summary
     int pid = 0;             ///< ctl: the process of a grab
     int signal = 0;          ///< ctl: what to send it

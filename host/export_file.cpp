@@ -73,6 +73,22 @@ std::string writeWholeFile(const std::string& path, std::span<const std::uint8_t
     return "";
 }
 
+std::string whyNotWritable(const std::string& path)
+{
+    std::error_code code;
+    if (std::filesystem::is_directory(path, code)) {
+        return cannot("write", path, EISDIR);
+    }
+    const std::string temporary = temporaryName(path);
+    const int fd = openForWriting(temporary);
+    if (fd < 0) {
+        return cannot("write", path, errno);
+    }
+    ::close(fd);
+    ::unlink(temporary.c_str());
+    return "";
+}
+
 std::string prepareFolder(const std::string& folder)
 {
     std::error_code code;

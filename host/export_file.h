@@ -15,6 +15,10 @@ namespace kxhost {
 /// sentence that names the file and the system's reason; nothing is left behind then. Thread-safe.
 std::string writeWholeFile(const std::string& path, std::span<const std::uint8_t> bytes);
 
+/// Why `writeWholeFile` could not write there now, one sentence; empty = it could. Leaves nothing
+/// behind.
+std::string whyNotWritable(const std::string& path);
+
 /// Makes `folder` (and what is above it) and checks that files can be created in it. Returns an
 /// empty text or the reason.
 std::string prepareFolder(const std::string& folder);

@@ -1,0 +1,55 @@
+// Small pictures of a grab, evenly chosen from all of its frames.
+#include "contact_sheet.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace kxhost {
+
+bool ContactSheet::wants(std::uint64_t number) const
+{
+    const std::lock_guard lock(mutex_);
+    return (number - 1) % every_ == 0;
+}
+
+void ContactSheet::add(Thumbnail thumbnail)
+{
+    const std::lock_guard lock(mutex_);
+    if ((thumbnail.number - 1) % every_ != 0) {
+        return;
+    }
+    kept_.push_back(std::move(thumbnail));
+    if (kept_.size() > kKept) {
+        thin();
+    }
+}
+
+void ContactSheet::addLast(Thumbnail thumbnail)
+{
+    const std::lock_guard lock(mutex_);
+    std::erase_if(kept_, [&](const Thumbnail& each) { return each.number == thumbnail.number; });
+    kept_.push_back(std::move(thumbnail));
+}
+
+void ContactSheet::thin()
+{
+    every_ *= 2;
+    std::erase_if(kept_, [this](const Thumbnail& each) { return (each.number - 1) % every_ != 0; });
+}
+
+std::vector<Thumbnail> ContactSheet::chosen() const
+{
+    const std::lock_guard lock(mutex_);
+    std::vector<Thumbnail> all = kept_;
+    std::ranges::sort(all, {}, &Thumbnail::number);
+    if (all.size() <= kShown) {
+        return all;
+    }
+    std::vector<Thumbnail> shown;
+    for (std::size_t i = 0; i < kShown; ++i) {
+        shown.push_back(std::move(all[i * (all.size() - 1) / (kShown - 1)]));
+    }
+    return shown;
+}
+
+} // namespace kxhost
