@@ -42,12 +42,13 @@ std::vector<Thumbnail> ContactSheet::chosen() const
     const std::lock_guard lock(mutex_);
     std::vector<Thumbnail> all = kept_;
     std::ranges::sort(all, {}, &Thumbnail::number);
-    if (all.size() <= kShown) {
-        return all;
-    }
     std::vector<Thumbnail> shown;
-    for (std::size_t i = 0; i < kShown; ++i) {
-        shown.push_back(std::move(all[i * (all.size() - 1) / (kShown - 1)]));
+    const std::size_t step = (all.size() + kShown - 1) / kShown;
+    for (std::size_t i = 0; i + 1 < all.size(); i += step) {
+        shown.push_back(std::move(all[i]));
+    }
+    if (!all.empty()) {
+        shown.push_back(std::move(all.back()));
     }
     return shown;
 }

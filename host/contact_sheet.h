@@ -23,7 +23,7 @@ struct Thumbnail {
 /// however long the grab is. Thread-safe.
 class ContactSheet {
 public:
-    static constexpr std::size_t kShown = 24;
+    static constexpr std::size_t kShown = 24; ///< and the last one
     static constexpr std::size_t kKept = 2 * kShown;
 
     /// Whether a picture of this frame would be kept now.
@@ -32,7 +32,7 @@ public:
     void add(Thumbnail thumbnail);
     /// The last frame, which is shown in any case.
     void addLast(Thumbnail thumbnail);
-    /// No more than `kShown`, by number, the first and the last among them.
+    /// By number: the first, others at the same distance each, and the last.
     std::vector<Thumbnail> chosen() const;
 
 private:

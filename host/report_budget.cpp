@@ -39,8 +39,8 @@ std::string stepsTable(const RunRecord& record, std::uint32_t periodUs)
                         microseconds(profile.largest()), shareOfPeriod(step, late, periodUs),
                         step.meaning});
     }
-    return table({"Step", "Median", "99 %", "Longest", "99 % of a period", "What it is"}, rows,
-                 true);
+    return table({"Step", "Median", "99 %", "Longest", "99 % as share of a period", "What it is"},
+                 rows, true);
 }
 
 std::string budgetWords(const GrabSummary& summary)
@@ -64,7 +64,7 @@ std::string queueWords(const GrabSummary& summary)
         " The queue never held more than " + counted(exported.deepest, "frame") + "; ";
     text += exported.waits == 0
                 ? "the grab never waited for a place in it."
-                : "the grab waited " + counted(exported.waits, "time") + " for a place in it, " +
+                : "the grab waited " + timesText(exported.waits) + " for a place in it, " +
                       microseconds(static_cast<std::int64_t>(exported.waitUs)) + " in all.";
     if (exported.written != 0 && summary.seconds > 0 && exported.bytes != 0) {
         const double rate = static_cast<double>(exported.bytes) / 1e6 / summary.seconds;

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstdio>
 
 namespace kxhost {
 namespace {
@@ -68,16 +69,16 @@ Axis levelAxis(std::uint32_t levels)
 /// Of the square roots of shares, so that what is rare still shows.
 Axis shareAxis(double highest)
 {
-    double top = niceStep(std::max(highest, 1e-6), 1);
-    top = std::min(top, 1.0);
+    constexpr int kParts = 5;
+    const double step = niceStep(std::max(highest, 1e-6), kParts);
+    const double top = std::ceil(highest / step - 1e-9) * step;
     Axis axis;
-    axis.high = std::sqrt(top);
+    axis.high = std::sqrt(std::max(top, step));
     axis.unit = "%";
     for (const double part : {0.0, 0.04, 0.25, 1.0}) {
-        const double percent = part * top * 100;
-        const int digits =
-            percent == 0 ? 0 : std::max(0, 1 - static_cast<int>(std::floor(std::log10(percent))));
-        axis.marks.push_back({std::sqrt(part * top), fixedText(percent, std::min(digits, 4))});
+        std::array<char, 32> percent{};
+        std::snprintf(percent.data(), percent.size(), "%.3g", part * axis.high * axis.high * 100);
+        axis.marks.push_back({std::sqrt(part) * axis.high, percent.data()});
     }
     return axis;
 }

@@ -37,6 +37,7 @@ header h1 { color: var(--mood); }
 figcaption strong, figcaption b { color: var(--ink); }
 .none { color: var(--soft); font-style: italic; }
 .facts { display: grid; grid-template-columns: repeat(auto-fill, minmax(15rem, 1fr)); gap: .625rem 1.5rem; margin: 1.25rem 0 0; }
+.facts div:last-child { grid-column: 1 / -1; }
 .facts dt { color: var(--soft); font-size: .8125rem; }
 .facts dd { margin: 0; overflow-wrap: anywhere; }
 code, pre { font: .875em/1.45 ui-monospace, "SF Mono", Menlo, Consolas, monospace; overflow-wrap: anywhere; }
@@ -45,7 +46,7 @@ pre { padding: .75rem 1rem; background: var(--ground); overflow-x: auto; white-s
 .sheet figure { margin: 0; }
 .sheet img { display: block; width: 100%; height: auto; background: var(--ground); }
 .sheet figcaption { font-size: .8125rem; font-variant-numeric: tabular-nums; }
-main figure { margin: 1.25rem 0; }
+main > section > figure { margin: 1.25rem 0 2.25rem; } .pair figure { margin: 1.25rem 0; }
 .pair { display: grid; grid-template-columns: repeat(auto-fit, minmax(min(26rem, 100%), 1fr)); gap: 0 2rem; }
 .pair figure { min-width: 0; }
 svg.plot { display: block; overflow: visible; width: calc(100% - 4rem); margin: 2.25rem .5rem 2rem 3.5rem; }

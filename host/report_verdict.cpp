@@ -78,12 +78,11 @@ std::string eventsText(const RunRecord& record)
         for (const CameraGap& gap : record.gaps) {
             away += static_cast<double>(gap.toUs - gap.fromUs) / 1e6;
         }
-        text += " The camera was away " + counted(record.gaps.size(), "time") + ", for " +
+        text += " The camera was away " + timesText(record.gaps.size()) + ", for " +
                 lengthOfTime(away) + ".";
     }
     if (record.configurations.size() > 1) {
-        text +=
-            " The configuration changed " + counted(record.configurations.size() - 1, "time") + ".";
+        text += " The configuration changed " + timesText(record.configurations.size() - 1) + ".";
     }
     return text;
 }

@@ -48,6 +48,14 @@ std::string counted(std::uint64_t number, std::string_view word)
     return grouped(number) + " " + std::string(word) + (number == 1 ? "" : "s");
 }
 
+std::string timesText(std::uint64_t number)
+{
+    if (number == 1 || number == 2) {
+        return number == 1 ? "once" : "twice";
+    }
+    return grouped(number) + " times";
+}
+
 std::string microseconds(std::int64_t us)
 {
     constexpr double kMilli = 1e3;

@@ -17,6 +17,9 @@ std::string fixedText(double value, int digits);
 /// "1 frame", "2 frames".
 std::string counted(std::uint64_t number, std::string_view word);
 
+/// "once", "twice", "3 times".
+std::string timesText(std::uint64_t number);
+
 /// Up to three digits with the unit that suits: "125 µs", "3.21 ms", "1.50 s".
 std::string microseconds(std::int64_t us);
 

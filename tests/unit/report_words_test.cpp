@@ -22,6 +22,9 @@ TEST(ReportWords, NumbersAreGroupedByThree)
     EXPECT_EQ(counted(1, "frame"), "1 frame");
     EXPECT_EQ(counted(0, "frame"), "0 frames");
     EXPECT_EQ(counted(2000, "frame"), "2\u202F000 frames");
+    EXPECT_EQ(timesText(1), "once");
+    EXPECT_EQ(timesText(2), "twice");
+    EXPECT_EQ(timesText(1000), "1\u202F000 times");
 }
 
 TEST(ReportWords, FixedTextHasAMinusOnlyBelowZero)
