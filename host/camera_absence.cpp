@@ -70,6 +70,7 @@ void isBack(HostServices& host, const FrameShape& shape, double secondsAway)
         throw CameraLost(host.absence.unfit);
     }
     host.absence.isAway = false;
+    host.counts.away = false;
     host.absence.secondsBefore = static_cast<float>(secondsAway);
     complain(timeOfDay() + " " + nameOfCamera(host) + " is back after " + seconds(secondsAway) +
              ": the grab goes on with frame " + std::to_string(host.counts.exported + 1) + ".");
@@ -89,6 +90,7 @@ void cameraLost(HostServices& host, const std::string& why)
         return;
     }
     host.absence.isAway = true;
+    host.counts.away = true;
     host.fates.cameraLost();
     complain(timeOfDay() + " " + nameOfCamera(host) + " is lost: " + why +
              ". The grab waits until it is back.");

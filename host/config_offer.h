@@ -3,10 +3,9 @@
 #define KXHOST_CONFIG_OFFER_H
 
 #include "config_history.h"
+#include "handover_slot.h"
 #include "settings.h"
 
-#include <atomic>
-#include <memory>
 #include <string>
 #include <vector>
 
@@ -21,33 +20,7 @@ struct ConfigOffer {
     std::vector<KeyValue> wayBack; ///< and what they were
 };
 
-/// Holds one offer, the latest. Any thread may offer, withdraw and take; whoever takes it owns it.
-/// No lock: the offer is complete before the pointer is handed over (release), and is read behind
-/// that (acquire).
-class OfferSlot {
-public:
-    OfferSlot() = default;
-    ~OfferSlot() { take(); }
-    OfferSlot(const OfferSlot&) = delete;
-    OfferSlot& operator=(const OfferSlot&) = delete;
-
-    /// Replaces what is there and has not been taken.
-    void put(std::unique_ptr<ConfigOffer> offer) { own(offer_.exchange(offer.release())); }
-    /// Null = there is none, which is one load.
-    std::unique_ptr<ConfigOffer> take()
-    {
-        return offer_.load(std::memory_order_relaxed) == nullptr ? nullptr
-                                                                 : own(offer_.exchange(nullptr));
-    }
-
-private:
-    static std::unique_ptr<ConfigOffer> own(ConfigOffer* offer)
-    {
-        return std::unique_ptr<ConfigOffer>(offer);
-    }
-
-    std::atomic<ConfigOffer*> offer_ = nullptr;
-};
+using OfferSlot = HandoverSlot<ConfigOffer>;
 
 /// The two ways by which a changed configuration comes to the grab.
 struct ConfigOffers {

@@ -25,7 +25,9 @@ struct GrabCounts {
     std::atomic<std::uint32_t> wordBits = 0;   ///< and how many bits it has
     std::atomic<std::uint64_t> wordFrame = 0;  ///< number of the exported frame that brought it
     std::atomic<std::uint32_t> framePeriodUs = 0;
+    std::atomic<std::uint64_t> tables = 0; ///< look-up tables that were computed from pictures
     std::atomic<bool> capturing = false;
+    std::atomic<bool> away = false; ///< the camera was lost, and is waited for
 };
 
 } // namespace kxhost

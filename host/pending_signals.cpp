@@ -58,7 +58,7 @@ void PendingSignals::post(SignalCode code)
     posted_.notify_all();
 }
 
-bool PendingSignals::holds(int code) const
+bool PendingSignals::holds(SignalCode code) const
 {
     const std::uint32_t queue = queue_.load(std::memory_order_acquire);
     return (queue >> placeOf(queue, code)) != 0;

@@ -47,6 +47,8 @@ public:
 
     /// How many reloads were asked for so far; any thread.
     std::uint32_t reloadsAsked() const { return reloadsAsked_.load(std::memory_order_relaxed); }
+    /// True while this code waits; any thread.
+    bool holds(SignalCode code) const;
     /// True while a reload waits; any thread.
     bool reloadPending() const { return holds(kReload); }
 
@@ -66,8 +68,6 @@ public:
     void sleep(std::chrono::milliseconds time);
 
 private:
-    bool holds(int code) const;
-
     /// The codes in their order, four bits each, the next one lowest.
     std::atomic<std::uint32_t> queue_ = 0;
     std::atomic<bool> finishAsked_ = false;

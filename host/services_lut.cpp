@@ -48,4 +48,5 @@ void KxGi__GetLutDynam(uint32_t outputBits, const uint32_t* cdf, uint32_t inputB
     host.computedTable = host.formatBeforePass ? kxhost::kLut12 : kxhost::kLut;
     kxhost::equalise({cdf, std::size_t{1} << host.distributionBits}, host.settings.lutClipLimit,
                      inputBits, {lut, std::size_t{1} << outputBits});
+    ++host.counts.tables;
 }
