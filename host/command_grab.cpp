@@ -5,6 +5,7 @@
 #include "config_hints.h"
 #include "export_file.h"
 #include "export_summary.h"
+#include "grab_page.h"
 #include "grab_run.h"
 #include "notify_socket.h"
 #include "progress.h"
@@ -172,7 +173,7 @@ int giveUp(Outputs& outputs, const NotifySocket& manager, int exitCode, const st
 }
 
 /// Writes and prints what is wanted, and returns the exit code.
-int report(bool quiet, Outputs& outputs, GrabSummary summary)
+int report(bool quiet, Outputs& outputs, GrabSummary& summary)
 {
     outputs.write(summary);
     if (!quiet) {
@@ -184,13 +185,23 @@ int report(bool quiet, Outputs& outputs, GrabSummary summary)
     return summary.exitCode;
 }
 
+LiveFacts liveFacts(const CommandLine& commandLine, const Settings& settings)
+{
+    return {.configuration = commandLine.configuration,
+            .folder = settings.outputFolder,
+            .frames = settings.frames,
+            .queuePlaces = settings.outputQueue,
+            .process = getpid()};
+}
+
 int grab(const CommandLine& commandLine, const Configuration& configuration, const Plugin& plugin,
-         const NotifySocket& manager, Outputs& outputs)
+         const NotifySocket& manager, Outputs& outputs, GrabPage& page)
 {
     HostServices& host = services();
     const Settings& settings = configuration.settings;
     ExportQueue queue(exportSettings(settings));
     outputs.watch(queue);
+    page.watch(queue);
     std::string error = queue.start();
     if (error.empty()) { // the report may go into the folder that was made
         error = outputs.whyNoReport();
@@ -203,18 +214,20 @@ int grab(const CommandLine& commandLine, const Configuration& configuration, con
     host.plugin = &plugin;
     ConfigFollower follower({commandLine.configuration, commandLine.overrides}, configuration,
                             host.offers, complain);
+    page.start(liveFacts(commandLine, settings));
     GrabResult result;
     ServiceStatus status(manager, watchdogOfEnvironment(), host.counts, host.signals,
                          ProgressLine(host.counts, settings.frames, steadyUs()));
     {
         Progress progress(host.counts, settings.frames, commandLine.quiet);
         const bool watch = settings.watchConfiguration && !commandLine.configuration.empty();
-        result =
-            runGrab(plugin, follower, watch, std::min(progress.tickMs(), status.tickMs()), [&] {
-                const ExportTotals exported = queue.totals();
-                progress.show(exported);
-                status.update(exported, steadyUs());
-            });
+        const int tickMs = page.tickMs(std::min(progress.tickMs(), status.tickMs()));
+        result = runGrab(plugin, follower, watch, tickMs, [&] {
+            const ExportTotals exported = queue.totals();
+            progress.show(exported);
+            status.update(exported, steadyUs());
+            page.update(exported, steadyUs());
+        });
     }
     queue.finish();
     GrabSummary summary = summarize(result, settings, queue);
@@ -224,6 +237,7 @@ int grab(const CommandLine& commandLine, const Configuration& configuration, con
         outputs.facts().camera = cameraText(*host.choice);
     }
     const int exitCode = report(commandLine.quiet, outputs, summary);
+    page.end(exitCode, summary.reason);
     if (result.abandoned) {
         // The grab thread may still use all of this.
         std::fflush(nullptr);
@@ -250,6 +264,10 @@ int commandGrab(const CommandLine& commandLine)
             complain("hint: " + hint);
         }
     }
+    GrabPage page;
+    if (const GrabResult opened = page.open(commandLine.live); opened.exitCode != kExitFine) {
+        return giveUp(outputs, manager, opened.exitCode, opened.reason);
+    }
     const Settings& settings = services().settings = configuration.settings;
     outputs.facts().camera = cameraText(choiceOf(settings));
     outputs.facts().inForce = describeConfiguration(configuration);
@@ -266,7 +284,7 @@ int commandGrab(const CommandLine& commandLine)
         plugin.setLogging(static_cast<std::uint32_t>(settings.logLevel),
                           static_cast<std::uint32_t>(settings.logSinks), settings.logId);
         outputs.facts().pluginVersion = plugin.version();
-        return grab(commandLine, configuration, plugin, manager, outputs);
+        return grab(commandLine, configuration, plugin, manager, outputs, page);
     } catch (const LoadError& error) {
         complain(error.what());
         return giveUp(outputs, manager, error.exitCode(), error.what());

@@ -1,14 +1,15 @@
 // The command line of kxhost.
 #include "command_line.h"
 
+#include "live_address.h"
+#include "steering_words.h"
+
 #include <CLI/CLI.hpp>
 
 #include <charconv>
-#include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <functional>
-#include <map>
 #include <system_error>
 
 namespace kxhost {
@@ -27,6 +28,8 @@ Examples:
       A configured grab, with another picture format, until Ctrl-C.
   kxhost grab -c camera.toml --frames 1000 --output pictures --report report.html
       The same with a page for the browser that tells how it went, frame by frame.
+  kxhost grab -c camera.toml --live 8080
+      The same, watched and steered at http://127.0.0.1:8080/ in a browser.
   kxhost check -c camera.toml
       What a configuration says, key by key, and its mistakes.
   kxhost doctor
@@ -52,12 +55,9 @@ Exit codes:
                                         12  doctor: something has to be mended
                                         13  doctor: something was not found out
                                         14  clock: the frames do not tell it
+                                        15  the address of --live cannot be had
 130 and 143 stand for a second Ctrl-C or SIGTERM, which does not wait for frames to be written.
 )";
-
-/// What `kxhost ctl` sends for its words.
-const std::map<std::string, int> kCtlWords = {
-    {"finish", SIGTERM}, {"reload", SIGHUP}, {"lut", SIGUSR1}, {"lut12", SIGUSR2}};
 
 std::string whyNoPid(const std::string& text)
 {
@@ -71,9 +71,18 @@ std::string whyNoPid(const std::string& text)
 
 std::string whyNoWord(const std::string& text)
 {
-    return kCtlWords.contains(text)
+    return findSteeringWord(text) != nullptr
                ? ""
                : "\"" + text + "\" is unknown, expected finish, reload, lut or lut12";
+}
+
+std::string whyNoLiveAddress(const std::string& text)
+{
+    return parseLiveAddress(text)
+               ? ""
+               : "\"" + text +
+                     "\" is no address, expected PORT, HOST:PORT or [HOST]:PORT with a HOST in "
+                     "numbers, or localhost";
 }
 
 constexpr const char* kClockFooter = R"(
@@ -213,7 +222,24 @@ private:
                         "Write a page for browsers there, at the end: how it went, pictures, "
                         "histograms, times, losses, configuration")
             ->type_name("FILE.html");
+        addLive(app);
         app->add_flag("-q,--quiet", result_.quiet, "Neither progress nor summary");
+    }
+
+    void addLive(CLI::App* app)
+    {
+        CLI::Option* live =
+            app->add_option("--live", result_.live.address,
+                            "Serve a page with the live picture, losses and buttons there: on "
+                            "127.0.0.1 unless HOST says otherwise, and then only with a token; "
+                            "port 0 = any that is free")
+                ->type_name("[HOST:]PORT")
+                ->check(CLI::Validator(whyNoLiveAddress, ""));
+        app->add_option("--live-token-file", result_.live.tokenFile,
+                        "The token for the page is the first line of this file; by default that "
+                        "of the environment variable KXHOST_LIVE_TOKEN")
+            ->type_name("FILE")
+            ->needs(live);
     }
 
     void addList()
@@ -262,7 +288,9 @@ private:
             ->required()
             ->type_name("")
             ->check(CLI::Validator(whyNoPid, ""));
-        const auto take = [this](const std::string& word) { result_.signal = kCtlWords.at(word); };
+        const auto take = [this](const std::string& word) {
+            result_.signal = findSteeringWord(word)->signal;
+        };
         app->add_option_function<std::string>("WORD", take, "What it shall do, see below")
             ->required()
             ->type_name("")

@@ -26,6 +26,12 @@ struct DoctorOptions {
     bool gige = false; ///< GigE cameras are meant
 };
 
+/// Options of the verb grab for its live page.
+struct LiveOptions {
+    std::string address;   ///< see parseLiveAddress; empty = there is no page
+    std::string tokenFile; ///< empty = none
+};
+
 struct CommandLine {
     Verb verb = Verb::kGrab;
     std::string configuration;          ///< file; empty = none
@@ -33,9 +39,10 @@ struct CommandLine {
     PluginChoice plugin;
     std::string summaryFile; ///< empty = none
     std::string reportFile;  ///< empty = none
-    bool quiet = false;      ///< neither progress nor summary
-    int pid = 0;             ///< ctl: the process of a grab
-    int signal = 0;          ///< ctl: what to send it
+    LiveOptions live;
+    bool quiet = false; ///< neither progress nor summary
+    int pid = 0;        ///< ctl: the process of a grab
+    int signal = 0;     ///< ctl: what to send it
     ClockOptions clock;
     DoctorOptions doctor;
 };

@@ -21,6 +21,7 @@ enum ExitCode : int {
     kExitMend = 12,         ///< doctor: something has to be mended
     kExitUnchecked = 13,    ///< doctor: something could not be found out, nothing else is amiss
     kExitNoClock = 14,      ///< clock: the frames do not tell the camera's clock
+    kExitLive = 15,         ///< the address of the live page cannot be had
 };
 
 } // namespace kxhost

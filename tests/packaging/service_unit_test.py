@@ -15,7 +15,7 @@ ROOT = sys.argv[1]
 UNIT = os.path.join(ROOT, "packaging", "kxhost@.service")
 
 # What is worth another start, what takes a person, and what no grab ends with.
-RESTARTED = {"kExitInternal", "kExitNoCamera", "kExitCamera", "kExitExport"}
+RESTARTED = {"kExitInternal", "kExitNoCamera", "kExitCamera", "kExitExport", "kExitLive"}
 LEFT = {"kExitUsage", "kExitConfiguration", "kExitLosses", "kExitPlugin", "kExitNoLibrary",
         "kExitLibraryAge"}
 NO_GRAB = {"kExitFine", "kExitNoGrab", "kExitMend", "kExitUnchecked"}
