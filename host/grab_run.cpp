@@ -6,7 +6,9 @@
 // behind the frame at hand. Outside of it (a camera is looked for, powered up, configured) nobody
 // would see the signal for an unknown time: the run ends at once, and if the plug-in does not come
 // back within a moment, without it. While the last frames are written, the end is near anyway.
-// Other signals are kept until the loop runs again.
+// Other signals are kept until the loop runs again. What an abandoned plug-in left in the queue is
+// written by another thread, so that this one goes on: a second signal still ends the process, and
+// the service manager still hears of the progress.
 #include "grab_run.h"
 
 #include "config_watch.h"
@@ -58,23 +60,36 @@ sigset_t steeringSignals()
 /// What the grab thread tells the other one. Shared, because an abandoned thread outlives the run.
 struct Outcome {
     Descriptor done{eventfd(0, EFD_CLOEXEC), "cannot wait for the grab"};
-    std::atomic<bool> writing = false; ///< the plug-in is done for good
-    GrabResult result;                 ///< valid behind `done`
+    /// The plug-in is done for good, or was abandoned; who sets it sees to the writing.
+    std::atomic<bool> isOver = false;
+    GrabResult result; ///< valid behind `done`
 };
 
-/// All passes, and then the writing of what they left in the queue.
-void runToTheEnd(const Plugin& plugin, Outcome& outcome)
+/// Writes what the passes left in the queue, and tells that all is done.
+void writeTheRest(Outcome& outcome)
 {
     try {
-        outcome.result = runPasses(plugin);
-        outcome.writing = true;
         if (services().queue != nullptr) {
             services().queue->finish();
         }
     } catch (const std::exception& error) {
-        outcome.result = {kExitInternal, std::string("Ended by an exception: ") + error.what()};
+        outcome.result = {kExitInternal, std::string("Ended by an exception: ") + error.what(),
+                          outcome.result.abandoned};
     }
     eventfd_write(outcome.done.number(), 1);
+}
+
+/// All passes, and then the writing, unless they were abandoned meanwhile.
+void runToTheEnd(const Plugin& plugin, Outcome& outcome)
+{
+    try {
+        outcome.result = runPasses(plugin);
+    } catch (const std::exception& error) {
+        outcome.result = {kExitInternal, std::string("Ended by an exception: ") + error.what()};
+    }
+    if (!outcome.isOver.exchange(true)) {
+        writeTheRest(outcome);
+    }
 }
 
 /// The calling thread's side of a run.
@@ -95,9 +110,9 @@ public:
                                       pollfd{signals_.number(), POLLIN, 0},
                                       pollfd{watch_ ? watch_->descriptor() : -1, POLLIN, 0}};
         while ((wait[0].revents & POLLIN) == 0) {
-            if (isAbandoned()) {
-                thread_.detach();
-                return {kExitFine, "Finished as asked by a signal, outside the grab loop.", true};
+            if (isTimeToLeave() && !outcome_->isOver.exchange(true)) {
+                abandon();
+                wait[0].fd = outcome_->done.number();
             }
             if (poll(wait.data(), wait.size(), timeout(tickMs)) < 0) {
                 continue;
@@ -155,12 +170,23 @@ private:
 
     /// Whether the end was asked for while the plug-in was somewhere where it does not see that,
     /// and it is still there.
-    bool isAbandoned()
+    bool isTimeToLeave()
     {
-        if (leaveBy_ && (services().signalsKept || outcome_->writing)) {
+        if (leaveBy_ && (services().signalsKept || outcome_->isOver)) {
             leaveBy_.reset();
         }
         return leaveBy_ && Clock::now() >= *leaveBy_;
+    }
+
+    /// Leaves the grab thread alone with its outcome; from here on the writing is waited for.
+    void abandon()
+    {
+        thread_.detach();
+        outcome_ = std::make_shared<Outcome>();
+        outcome_->isOver = true;
+        outcome_->result = {kExitFine, "Finished as asked by a signal, outside the grab loop.",
+                            true};
+        thread_ = std::thread([outcome = outcome_] { writeTheRest(*outcome); });
     }
 
     int timeout(int tickMs) const

@@ -127,6 +127,33 @@ TEST_F(SessionNotify, AGrabThatHangsGivesNoSignOfLife)
     EXPECT_TRUE(grab->running());
 }
 
+/// A picture that goes into a pipe without a reader keeps the queue from being written, and so the
+/// plug-in from setting up the camera anew.
+TEST_F(SessionNotify, WritingWithoutThePlugInShowsLifeAndEndsAtASecondSignal)
+{
+    session_.bus = pacedBus();
+    session_.configuration = "[region]\nwidth = 64\nheight = 48\n";
+    session_.settings = {"output.writers=1", "output.queue=1000", "output.prefix=p",
+                         "log.level=info"};
+    session_.endsWithTest = true;
+    std::filesystem::create_directories(session_.output());
+    ASSERT_EQ(mkfifo(session_.output(".p000004.png.part").c_str(), 0600), 0);
+    LiveGrab grab(session_);
+    grab.waitForLog("Using device Model");
+    grab.waitForMoreFrames(3);
+    grab.writeConfiguration("[region]\nwidth = 64\nheight = 24\n");
+    grab.signal(SIGHUP);
+    grab.waitForMessage("the grab ends and starts again with it");
+    grab.waitForLog("Using device Model");
+    grab.signal(SIGTERM);
+    // More than passes until the plug-in is abandoned.
+    for (int i = 0; i < 3; ++i) {
+        manager_.waitFor("STATUS=finishing  ");
+    }
+    EXPECT_TRUE(grab.process().running());
+    EXPECT_EQ(grab.finish(SIGINT), 128 + SIGINT);
+}
+
 TEST_F(SessionNotify, AWatchdogOfAnotherProcessIsNotServed)
 {
     session_.environment.insert(session_.environment.end(),
