@@ -70,6 +70,24 @@ class ServiceUnit(unittest.TestCase):
         # Waiting for a camera is the grab's, and no failed start.
         self.assertEqual(unit["TimeoutStartSec"], "infinity")
 
+    def test_booting_does_not_wait_for_a_camera(self):
+        unit = settings()
+        # Else multi-user.target would be reached behind the first frame.
+        self.assertEqual(unit["DefaultDependencies"], "no")
+        self.assertEqual(unit["WantedBy"], "multi-user.target")
+        self.assertNotIn("multi-user.target", unit["Before"] + unit["After"])
+        # What else the default is: not before the system is set up, and not behind its end.
+        self.assertEqual(unit["Requires"], "sysinit.target")
+        self.assertLessEqual({"sysinit.target", "basic.target"}, set(unit["After"].split()))
+        self.assertEqual((unit["Conflicts"], unit["Before"]),
+                         ("shutdown.target", "shutdown.target"))
+
+    def test_what_starts_it_does_not_wait_either(self):
+        for line in re.findall(r"systemctl[^\n]*\b(?:start|--now)\b[^\n]*kxhost@",
+                               text_of("docs", "operations.md") +
+                               text_of("packaging", "kxhost@.service")):
+            self.assertIn("--no-block", line)
+
     def test_systemd_takes_it(self):
         if shutil.which("systemd-analyze") is None:
             self.skipTest("systemd-analyze is not installed")
