@@ -12,6 +12,8 @@ using KxPGrey::FrameClock;
 using KxPGrey::FrameTimes;
 using KxPGrey::FrameTiming;
 
+constexpr std::uint32_t kMostFrames = 500;
+
 std::uint32_t low32(std::uint64_t value)
 {
     return static_cast<std::uint32_t>(value);
@@ -116,7 +118,7 @@ void anyTimes(Bytes& bytes)
     checkStart(clock, timing, frame, clock.start(timing, frame, reading, grabStartUs, loops),
                reading);
     clock.finish(frame);
-    for (std::uint32_t captured = 2; !bytes.empty(); ++captured) {
+    for (std::uint32_t captured = 2; !bytes.empty() && captured < kMostFrames; ++captured) {
         if (bytes.take<std::uint8_t>() == 0) {
             timing = anyTiming(bytes); // a live change
         }
@@ -189,7 +191,7 @@ void steadyPace(Bytes& bytes)
     clock.finish(first);
 
     std::uint64_t lastTs = 0;
-    for (std::uint32_t number = 1; !bytes.empty() && number < 2000; ++number) {
+    for (std::uint32_t number = 1; !bytes.empty() && number < kMostFrames; ++number) {
         const std::uint64_t lateUs = mostLateUs == 0 ? 0 : bytes.take<std::uint8_t>() % mostLateUs;
         const FrameTimes frame{camera.exposureStartUs(number) + camera.deliveryUs + lateUs,
                                camera.cameraTimeUs(number)};

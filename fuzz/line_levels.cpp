@@ -57,15 +57,16 @@ void checkWord(const LineRx& rx)
 
 void anyLevels(Bytes& bytes)
 {
+    constexpr unsigned kMostSamples = 5000; // more take longer and show no more
     LineRx rx;
     rx.rxWaitInit = 1;
     rx.loopsLeft = bytes.flag() ? bytes.take<std::uint32_t>() : bytes.take<std::uint8_t>();
     const std::uint32_t gap = bytes.flag() ? bytes.take<std::uint32_t>() : bytes.within(0U, 20U);
-    while (!bytes.empty()) {
+    for (unsigned samples = 0; !bytes.empty() && samples < kMostSamples;) {
         // Runs of a level: a byte of single ones would seldom make a pulse.
         const auto run = bytes.take<std::uint8_t>();
         const bool level = (run & 1U) != 0;
-        for (unsigned sample = 0; sample <= run >> 1U; ++sample) {
+        for (unsigned sample = 0; sample <= run >> 1U; ++sample, ++samples) {
             const LineRx before = rx;
             const LineStep step = KxPGrey::stepLineRx(rx, level, gap);
             checkStep(before, rx, step, level, gap);

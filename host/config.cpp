@@ -214,12 +214,12 @@ private:
     std::string place(const toml::source_region& source) const
     {
         const bool hasLine = source.path && source.begin.line > 0;
-        return hasLine ? name_ + ":" + std::to_string(source.begin.line) : name_;
+        return printable(name_) + (hasLine ? ":" + std::to_string(source.begin.line) : "");
     }
 
     void report(const toml::source_region& source, const std::string& problem)
     {
-        errors_.push_back(place(source) + ": " + problem);
+        errors_.push_back(place(source) + ": " + printable(problem));
     }
 
     Configuration& configuration_;

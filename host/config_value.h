@@ -3,8 +3,7 @@
 #define KXHOST_CONFIG_VALUE_H
 
 #include "config_keys.h"
-
-#include <toml++/toml.h>
+#include "toml_library.h"
 
 #include <string>
 #include <vector>

@@ -4,6 +4,7 @@
 #include <array>
 #include <charconv>
 #include <cstdio>
+#include <cstdlib>
 
 namespace kxhost {
 namespace {
@@ -11,21 +12,21 @@ namespace {
 struct Unit {
     Dimension dimension;
     std::string_view name;
-    double factor; ///< to the base unit
+    long double factor; ///< to the base unit; long, so that "1.1 ms" is as good as "0.0011 s"
 };
 
 // The base unit of a dimension comes first; it is the one that is written.
 constexpr std::array kUnits = {
-    Unit{Dimension::kTime, "us", 1},       Unit{Dimension::kTime, "ns", 1e-3},
-    Unit{Dimension::kTime, "ms", 1e3},     Unit{Dimension::kTime, "s", 1e6},
-    Unit{Dimension::kTime, "min", 60e6},   Unit{Dimension::kSeconds, "s", 1},
-    Unit{Dimension::kSeconds, "ms", 1e-3}, Unit{Dimension::kSeconds, "min", 60},
-    Unit{Dimension::kSeconds, "h", 3600},  Unit{Dimension::kRate, "fps", 1},
-    Unit{Dimension::kRate, "Hz", 1},       Unit{Dimension::kGain, "dB", 1},
-    Unit{Dimension::kBytes, "B", 1},       Unit{Dimension::kBytes, "kB", 1000},
-    Unit{Dimension::kBytes, "KiB", 1024},  Unit{Dimension::kPercent, "%", 1},
-    Unit{Dimension::kShare, "%", 0.01},    Unit{Dimension::kDrift, "ns/s", 1},
-    Unit{Dimension::kDrift, "us/s", 1e3},  Unit{Dimension::kDrift, "ppm", 1e3},
+    Unit{Dimension::kTime, "us", 1},        Unit{Dimension::kTime, "ns", 1e-3L},
+    Unit{Dimension::kTime, "ms", 1e3},      Unit{Dimension::kTime, "s", 1e6},
+    Unit{Dimension::kTime, "min", 60e6},    Unit{Dimension::kSeconds, "s", 1},
+    Unit{Dimension::kSeconds, "ms", 1e-3L}, Unit{Dimension::kSeconds, "min", 60},
+    Unit{Dimension::kSeconds, "h", 3600},   Unit{Dimension::kRate, "fps", 1},
+    Unit{Dimension::kRate, "Hz", 1},        Unit{Dimension::kGain, "dB", 1},
+    Unit{Dimension::kBytes, "B", 1},        Unit{Dimension::kBytes, "kB", 1000},
+    Unit{Dimension::kBytes, "KiB", 1024},   Unit{Dimension::kPercent, "%", 1},
+    Unit{Dimension::kShare, "%", 0.01L},    Unit{Dimension::kDrift, "ns/s", 1},
+    Unit{Dimension::kDrift, "us/s", 1e3},   Unit{Dimension::kDrift, "ppm", 1e3},
 };
 
 std::string_view trimmed(std::string_view text)
@@ -37,10 +38,10 @@ std::string_view trimmed(std::string_view text)
     return text.substr(first, text.find_last_not_of(" \t") - first + 1);
 }
 
-std::optional<double> factorOf(std::string_view unit, Dimension dimension)
+std::optional<long double> factorOf(std::string_view unit, Dimension dimension)
 {
     if (unit.empty()) {
-        return needsUnit(dimension) ? std::nullopt : std::optional<double>(1.0);
+        return needsUnit(dimension) ? std::nullopt : std::optional(1.0L);
     }
     for (const Unit& known : kUnits) {
         if (known.dimension == dimension && known.name == unit) {
@@ -48,6 +49,21 @@ std::optional<double> factorOf(std::string_view unit, Dimension dimension)
         }
     }
     return std::nullopt;
+}
+
+/// As few digits as read back as the same value.
+std::string exactly(double value)
+{
+    constexpr int kMost = 17;
+    std::array<char, 64> digits{};
+    int length = 0;
+    for (int precision = 10; precision <= kMost; ++precision) {
+        length = std::snprintf(digits.data(), digits.size(), "%.*g", precision, value);
+        if (std::strtod(digits.data(), nullptr) == value) {
+            break;
+        }
+    }
+    return {digits.data(), static_cast<std::size_t>(length)};
 }
 
 } // namespace
@@ -58,14 +74,14 @@ std::optional<double> parseQuantity(std::string_view text, Dimension dimension)
     if (text.starts_with('+')) {
         text.remove_prefix(1);
     }
-    double number = 0;
+    long double number = 0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
     if (error != std::errc{}) {
         return std::nullopt;
     }
     text.remove_prefix(static_cast<std::size_t>(end - text.data()));
     const auto factor = factorOf(trimmed(text), dimension);
-    return factor ? std::optional<double>(number * *factor) : std::nullopt;
+    return factor ? std::optional(static_cast<double>(number * *factor)) : std::nullopt;
 }
 
 bool needsUnit(Dimension dimension)
@@ -76,9 +92,7 @@ bool needsUnit(Dimension dimension)
 
 std::string formatQuantity(double value, Dimension dimension)
 {
-    std::array<char, 64> digits{};
-    const int length = std::snprintf(digits.data(), digits.size(), "%.10g", value);
-    std::string text(digits.data(), static_cast<std::size_t>(length));
+    std::string text = exactly(value);
     for (const Unit& unit : kUnits) {
         if (unit.dimension == dimension && unit.factor == 1) {
             return text.append(" ").append(unit.name);

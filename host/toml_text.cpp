@@ -7,13 +7,10 @@
 namespace kxhost {
 namespace {
 
-std::string escaped(char character)
+/// Control characters in the spelling of TOML, all others as they are.
+std::string withoutControl(char character)
 {
     switch (character) {
-    case '"':
-        return "\\\"";
-    case '\\':
-        return "\\\\";
     case '\n':
         return "\\n";
     case '\r':
@@ -33,6 +30,12 @@ std::string escaped(char character)
     return {digits.data(), static_cast<std::size_t>(length)};
 }
 
+std::string escaped(char character)
+{
+    const bool isSpecial = character == '"' || character == '\\';
+    return (isSpecial ? "\\" : "") + withoutControl(character);
+}
+
 } // namespace
 
 std::string tomlText(std::string_view text)
@@ -42,6 +45,15 @@ std::string tomlText(std::string_view text)
         result += escaped(character);
     }
     return result + "\"";
+}
+
+std::string printable(std::string_view text)
+{
+    std::string result;
+    for (const char character : text) {
+        result += withoutControl(character);
+    }
+    return result;
 }
 
 std::string onOneLine(const std::string& text)

@@ -11,6 +11,10 @@ namespace kxhost {
 /// so that it stays on one line and reads back as it was.
 std::string tomlText(std::string_view text);
 
+/// The text with its control characters escaped as TOML does it, so that it stays on one line
+/// whatever somebody has called a key or a file.
+std::string printable(std::string_view text);
+
 /// A value for a message: line ends and rows of blanks become one blank, and what is too long for a
 /// line is cut ("...").
 std::string onOneLine(const std::string& text);

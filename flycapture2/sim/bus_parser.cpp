@@ -36,8 +36,8 @@ ParsedBus parse(std::string_view toml, const std::string& name, const std::files
     try {
         result.bus = readBus(toml::parse(toml, name), name, folder);
     } catch (const toml::parse_error& error) {
-        result.problem = name + ":" + std::to_string(error.source().begin.line) + ": " +
-                         std::string(error.description());
+        const std::string place = name + ":" + std::to_string(error.source().begin.line);
+        result.problem = DescriptionError(place + ": " + std::string(error.description())).what();
     } catch (const DescriptionError& error) {
         result.problem = error.what();
     }

@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 #include <numeric>
 #include <sstream>
 
@@ -50,7 +49,27 @@ std::string plain(double value)
     return out.str();
 }
 
+/// Control characters as TOML escapes them: keys may hold any, and a message is one line.
+std::string printable(const std::string& text)
+{
+    std::string result;
+    for (const char character : text) {
+        const auto code = static_cast<unsigned char>(character);
+        constexpr unsigned char kDelete = 0x7F;
+        if (code >= ' ' && code != kDelete) {
+            result += character;
+            continue;
+        }
+        constexpr const char* kDigits = "0123456789ABCDEF";
+        result.append("\\u00") += kDigits[code >> 4U];
+        result += kDigits[code & 0xFU];
+    }
+    return result;
+}
+
 } // namespace
+
+DescriptionError::DescriptionError(const std::string& text) : std::runtime_error(printable(text)) {}
 
 TableReader::TableReader(const toml::table& table, std::string path, std::string file)
     : table_(&table), path_(std::move(path)), file_(std::move(file))
@@ -200,16 +219,15 @@ void TableReader::integer(const std::string& key, unsigned& target, std::uint64_
     target = static_cast<unsigned>(value);
 }
 
-void TableReader::range(const std::string& key, float& low, float& high)
+void TableReader::range(const std::string& key, float& low, float& high, double min, double max)
 {
     const toml::node* node = find(key);
     if (node == nullptr) {
         return;
     }
-    constexpr double kMost = std::numeric_limits<float>::max();
     const toml::array& ends = arrayOf(key, *node, 2);
-    low = static_cast<float>(numberOf(key, ends[0], -kMost, kMost));
-    high = static_cast<float>(numberOf(key, ends[1], -kMost, kMost));
+    low = static_cast<float>(numberOf(key, ends[0], min, max));
+    high = static_cast<float>(numberOf(key, ends[1], min, max));
     if (low > high) {
         fail(key, plain(double{low}) + " is above " + plain(double{high}));
     }

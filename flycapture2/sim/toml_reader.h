@@ -2,7 +2,7 @@
 #ifndef FCSIM_TOML_READER_H
 #define FCSIM_TOML_READER_H
 
-#include <toml++/toml.h>
+#include "toml_library.h"
 
 #include <optional>
 #include <stdexcept>
@@ -12,10 +12,10 @@
 
 namespace fcsim {
 
-/// What is wrong with a description: "file:line: key: reason".
+/// What is wrong with a description: "file:line: key: reason", on one line.
 class DescriptionError : public std::runtime_error {
 public:
-    using std::runtime_error::runtime_error;
+    explicit DescriptionError(const std::string& text);
 };
 
 /// One table. Each getter leaves its target alone when the key is absent, and throws
@@ -34,7 +34,7 @@ public:
     void integer(const std::string& key, std::uint64_t& target, std::uint64_t min,
                  std::uint64_t max);
     /// An array of two numbers in rising order.
-    void range(const std::string& key, float& low, float& high);
+    void range(const std::string& key, float& low, float& high, double min, double max);
     void range(const std::string& key, unsigned& low, unsigned& high, std::uint64_t max);
     /// An array of two whole numbers.
     void pair(const std::string& key, unsigned& first, unsigned& second, std::uint64_t max);

@@ -29,6 +29,20 @@ TEST(Config, AbsentKeysAreTheSentinelsOfTheGetters)
     EXPECT_TRUE(settings.iobox.empty());
 }
 
+TEST(Config, MessagesStayOnTheirLineWhateverANameHolds)
+{
+    EXPECT_EQ(onlyError("[camera]\n\"a\\nb\" = 1\n"), R"(camera.toml:2: unknown key camera.a\nb)");
+    EXPECT_EQ(onlyError("[\"x\\u001b\"]\n"), R"(camera.toml:1: unknown section [x\u001B])");
+    EXPECT_EQ(onlyError("", {"camera.wait=1 \n2"}).find('\n'), std::string::npos);
+}
+
+TEST(Config, SyntaxErrorsAreReported)
+{
+    // A header without a key, which the library's own assertions take for impossible.
+    EXPECT_EQ(onlyError("[camera]\n[!]\n").rfind("camera.toml:2: ", 0), 0U);
+    EXPECT_EQ(onlyError("[\x02").rfind("camera.toml:1: ", 0), 0U);
+}
+
 TEST(Config, ReadsEverySection)
 {
     const Settings settings = good(R"(

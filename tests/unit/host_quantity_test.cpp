@@ -22,6 +22,14 @@ TEST(Quantity, ReadsEveryUnitIntoTheBaseUnit)
     EXPECT_DOUBLE_EQ(*parseQuantity("12 ppm", Dimension::kDrift), 12000);
 }
 
+TEST(Quantity, IsTheSameInEachUnit)
+{
+    EXPECT_EQ(formatQuantity(*parseQuantity("1.1 ms", Dimension::kSeconds), Dimension::kSeconds),
+              "0.0011 s");
+    EXPECT_EQ(formatQuantity(*parseQuantity("7.7 ns", Dimension::kTime), Dimension::kTime),
+              "0.0077 us");
+}
+
 TEST(Quantity, TakesABareNumberOnlyWhereItIsPlain)
 {
     EXPECT_DOUBLE_EQ(*parseQuantity("+30", Dimension::kRate), 30);
@@ -44,6 +52,9 @@ TEST(Quantity, WritesWhatItReadsBack)
     for (const double value : {10000.0, 0.5, 1234567.0, 33333.25}) {
         const std::string text = formatQuantity(value, Dimension::kTime);
         EXPECT_DOUBLE_EQ(*parseQuantity(text, Dimension::kTime), value) << text;
+    }
+    for (const double value : {0.1, 1.0 / 3.0, 0.123456789012345, 4294967294.0, 1e15}) {
+        EXPECT_EQ(parseQuantity(formatQuantity(value, Dimension::kNone), Dimension::kNone), value);
     }
     EXPECT_EQ(formatQuantity(30, Dimension::kRate), "30 fps");
     EXPECT_EQ(formatQuantity(30, Dimension::kNone), "30");

@@ -71,6 +71,43 @@ TEST_F(SimBus, AnImpossibleValueIsNamedWithItsRange)
     EXPECT_EQ(problem, "bus.toml:16: camera.clock.wrap_seconds: 129 is not within 1 to 128");
 }
 
+TEST_F(SimBus, AnImpossibleRangeOfAPropertyIsNamed)
+{
+    const auto problemOfRange = [](const std::string& name, const std::string& range) {
+        return problemOf(
+            cameraToml("[camera.properties." + name + "]\nabsolute = " + range + "\n"));
+    };
+    EXPECT_EQ(problemOfRange("IRIS", "[-5.0, -1.0]"), "");
+    EXPECT_EQ(problemOfRange("GAIN", "[-200.0, 200.0]"), "");
+    EXPECT_EQ(problemOfRange("GAIN", "[-201.0, 200.0]"),
+              "bus.toml:16: camera.properties.GAIN.absolute: -201 is not within -200 to 200");
+    EXPECT_EQ(problemOfRange("GAMMA", "[0.0, 4.0]"),
+              "bus.toml:16: camera.properties.GAMMA.absolute: 0 is not within 0.01 to 100");
+    EXPECT_EQ(problemOfRange("HUE", "[0.0, 2e9]"),
+              "bus.toml:16: camera.properties.HUE.absolute: 2e+09 is not within -1e+09 to 1e+09");
+}
+
+TEST_F(SimBus, ADefaultOutsideOfTheGivenRangeIsTheNearestInIt)
+{
+    ASSERT_EQ(fcsim::loadBus(cameraToml("[camera.properties.GAIN]\nabsolute = [3.0, 9.0]\n"
+                                        "[camera.properties.SHARPNESS]\nraw = [2000, 3000]\n"),
+                             "bus.toml"),
+              "");
+    ASSERT_EQ(camera.Connect(nullptr).GetType(), PGRERROR_OK);
+    FlyCapture2::Property property(FlyCapture2::GAIN);
+    ASSERT_EQ(camera.GetProperty(&property).GetType(), PGRERROR_OK);
+    EXPECT_FLOAT_EQ(property.absValue, 3);
+    property.type = FlyCapture2::SHARPNESS;
+    ASSERT_EQ(camera.GetProperty(&property).GetType(), PGRERROR_OK);
+    EXPECT_EQ(property.valueA, 2000U);
+}
+
+TEST_F(SimBus, AKeyWithALineEndLeavesTheMessageOnItsLine)
+{
+    EXPECT_EQ(problemOf(cameraToml("\"a\\nb\" = 1\n")),
+              "bus.toml:15: camera.properties.FRAME_RATE.a\\u000Ab: unknown key");
+}
+
 TEST_F(SimBus, AMissingKeyIsNamed)
 {
     EXPECT_EQ(problemOf("[[camera]]\nmodel = \"A\"\n"),

@@ -1,8 +1,8 @@
 // Texts in the spelling of TOML.
+#include "toml_library.h"
 #include "toml_text.h"
 
 #include <gtest/gtest.h>
-#include <toml++/toml.h>
 
 namespace kxhost {
 namespace {
@@ -27,6 +27,12 @@ TEST(TomlText, EveryCharacterReadsBackAsItWas)
     all += "\x7f\u00e4";
     const toml::table table = toml::parse("text = " + tomlText(all));
     EXPECT_EQ(table["text"].value<std::string>(), all);
+}
+
+TEST(TomlText, MessagesShowControlCharactersAndNothingElseEscaped)
+{
+    EXPECT_EQ(printable("a\nb\tc\rd\x1b"), R"(a\nb\tc\rd\u001B)");
+    EXPECT_EQ(printable(R"("C:\pictures" \u00e4)"), R"("C:\pictures" \u00e4)");
 }
 
 TEST(TomlText, ValuesOfMessagesStayOnOneLine)
