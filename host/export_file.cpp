@@ -50,12 +50,36 @@ std::string temporaryName(const std::string& path)
     return (final.parent_path() / ("." + final.filename().string() + ".part")).string();
 }
 
+/// Where the bytes meant for a path go.
+struct Target {
+    std::string path;
+    bool isReplaced = true; ///< by a file with another name; otherwise it is opened as it is
+};
+
+/// Pipes, devices and the like are to stay what they are. Else what a link names is meant, and not
+/// the link.
+Target targetOf(const std::string& path)
+{
+    constexpr int kMostLinks = 40; // as the system has it
+    std::error_code ignored;
+    const std::filesystem::file_status status = std::filesystem::status(path, ignored);
+    if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status)) {
+        return {path, false};
+    }
+    std::filesystem::path real = path;
+    for (int links = 0; links < kMostLinks && std::filesystem::is_symlink(real, ignored); ++links) {
+        real = real.parent_path() / std::filesystem::read_symlink(real, ignored);
+    }
+    return {real.string(), true};
+}
+
 } // namespace
 
 std::string writeWholeFile(const std::string& path, std::span<const std::uint8_t> bytes)
 {
-    const std::string temporary = temporaryName(path);
-    const int fd = openForWriting(temporary);
+    const Target target = targetOf(path);
+    const std::string written = target.isReplaced ? temporaryName(target.path) : target.path;
+    const int fd = openForWriting(written);
     if (fd < 0) {
         return cannot("write", path, errno);
     }
@@ -63,11 +87,14 @@ std::string writeWholeFile(const std::string& path, std::span<const std::uint8_t
     if (::close(fd) != 0 && code == 0) {
         code = errno;
     }
-    if (code == 0 && ::rename(temporary.c_str(), path.c_str()) != 0) {
+    if (!target.isReplaced) {
+        return code == 0 ? "" : cannot("write", path, code);
+    }
+    if (code == 0 && ::rename(written.c_str(), target.path.c_str()) != 0) {
         code = errno;
     }
     if (code != 0) {
-        ::unlink(temporary.c_str());
+        ::unlink(written.c_str());
         return cannot("write", path, code);
     }
     return "";
@@ -79,7 +106,12 @@ std::string whyNotWritable(const std::string& path)
     if (std::filesystem::is_directory(path, code)) {
         return cannot("write", path, EISDIR);
     }
-    const std::string temporary = temporaryName(path);
+    const Target target = targetOf(path);
+    if (!target.isReplaced) {
+        // Not opened: a pipe would take that for what it waits for.
+        return ::access(path.c_str(), W_OK) == 0 ? "" : cannot("write", path, errno);
+    }
+    const std::string temporary = temporaryName(target.path);
     const int fd = openForWriting(temporary);
     if (fd < 0) {
         return cannot("write", path, errno);

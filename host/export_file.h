@@ -11,8 +11,10 @@
 namespace kxhost {
 
 /// Writes `bytes` under a temporary name in the same folder and then renames it to `path`, so that
-/// nobody ever sees half a file. What stood there is replaced. Returns an empty text, or one
-/// sentence that names the file and the system's reason; nothing is left behind then. Thread-safe.
+/// nobody ever sees half a file. A file that stood there is replaced, one that a symbolic link
+/// names as well. What is no file (a pipe, a device) is opened and written, which waits for the
+/// reader of a pipe. Returns an empty text, or one sentence that names the file and the system's
+/// reason; nothing is left behind then. Thread-safe.
 std::string writeWholeFile(const std::string& path, std::span<const std::uint8_t> bytes);
 
 /// Why `writeWholeFile` could not write there now, one sentence; empty = it could. Leaves nothing

@@ -4,10 +4,13 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <csignal>
 #include <filesystem>
 
+#include <fcntl.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
@@ -49,6 +52,49 @@ TEST(ExportFile, ReplacesWhatStoodThere)
     kxtest::writeText(folder.file("a.png"), "something longer");
     EXPECT_EQ(kxhost::writeWholeFile(folder.file("a.png"), std::vector<std::uint8_t>{'n'}), "");
     EXPECT_EQ(kxtest::readText(folder.file("a.png")), "n");
+}
+
+TEST(ExportFile, ALinkStaysALink)
+{
+    const TemporaryFolder folder;
+    std::filesystem::create_directory(folder.file("real"));
+    kxtest::writeText(folder.file("real/a.json"), "something longer");
+    std::filesystem::create_symlink("real/a.json", folder.file("link"));
+    std::filesystem::create_symlink("real/new.json", folder.file("ahead"));
+    for (const char* const name : {"link", "ahead"}) {
+        const std::string path = folder.file(name);
+        EXPECT_EQ(kxhost::whyNotWritable(path), "");
+        EXPECT_EQ(kxhost::writeWholeFile(path, std::vector<std::uint8_t>{'n'}), "");
+        EXPECT_TRUE(std::filesystem::is_symlink(path)) << path;
+        EXPECT_EQ(kxtest::readText(path), "n");
+    }
+    EXPECT_EQ(kxtest::readText(folder.file("real/a.json")), "n");
+    EXPECT_EQ(folder.names(), (Names{"ahead", "link", "real"}));
+}
+
+TEST(ExportFile, APipeIsWrittenAndStaysAPipe)
+{
+    const TemporaryFolder folder;
+    const std::string path = folder.file("pipe");
+    ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
+    const int reader = open(path.c_str(), O_RDONLY | O_NONBLOCK);
+    ASSERT_GE(reader, 0);
+    EXPECT_EQ(kxhost::whyNotWritable(path), "");
+    EXPECT_EQ(kxhost::writeWholeFile(path, std::vector<std::uint8_t>{'o', 'k'}), "");
+    std::array<char, 8> got{};
+    EXPECT_EQ(read(reader, got.data(), got.size()), 2);
+    EXPECT_STREQ(got.data(), "ok");
+    close(reader);
+    EXPECT_TRUE(std::filesystem::is_fifo(path));
+    EXPECT_EQ(folder.names(), Names{"pipe"});
+}
+
+TEST(ExportFile, ADeviceIsWritten)
+{
+    EXPECT_EQ(kxhost::whyNotWritable("/dev/full"), "");
+    EXPECT_EQ(kxhost::writeWholeFile("/dev/full", std::vector<std::uint8_t>{'x'}),
+              "Cannot write /dev/full: No space left on device.");
+    EXPECT_TRUE(std::filesystem::is_character_file("/dev/full"));
 }
 
 TEST(ExportFile, LeavesNothingBehindWhenTheDiskIsFull)
