@@ -17,12 +17,6 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-/// Frames lost before the host had a chance.
-std::uint64_t lostByCamera(const GrabSummary& summary)
-{
-    return summary.missing + summary.ledger.totals().causes[FrameCause::kCameraSkipped];
-}
-
 double perSecond(std::uint64_t count, double seconds)
 {
     return seconds > 0 ? static_cast<double>(count) / seconds : 0;
@@ -36,9 +30,10 @@ double retrievedRate(const GrabSummary& summary)
 
 Json lossesJson(const GrabSummary& summary)
 {
-    const CauseCounts causes = summary.ledger.totals().causes;
-    return {{"total", lostFrames(summary)},
-            {"camera", lostByCamera(summary)},
+    const LedgerTotals totals = summary.ledger.totals();
+    const CauseCounts& causes = totals.causes;
+    return {{"total", totals.lost()},
+            {"camera", totals.lostByCamera()},
             {"detached", causes[FrameCause::kDetached]},
             {"no_buffer", causes[FrameCause::kNoBuffer]},
             {"queue_full", summary.exported.refusedFull},
@@ -123,14 +118,14 @@ std::string summaryText(const GrabSummary& summary)
     text << "exported  " << exported.written << " frames, " << exported.pictures << " pictures, "
          << static_cast<double>(exported.bytes) / 1e6 << " MB"
          << (summary.folder.empty() ? "" : " into " + summary.folder) << "\n";
-    text << "lost      " << lostFrames(summary) << " (camera " << lostByCamera(summary)
-         << ", queue full " << exported.refusedFull << ", refused " << summary.refused
-         << ", export " << exported.refusedFailed + exported.failed;
-    const CauseCounts causes = summary.ledger.totals().causes;
+    const LedgerTotals totals = summary.ledger.totals();
+    text << "lost      " << totals.lost() << " (camera " << totals.lostByCamera() << ", queue full "
+         << exported.refusedFull << ", refused " << summary.refused << ", export "
+         << exported.refusedFailed + exported.failed;
     for (const FrameCause cause :
          {FrameCause::kNoBuffer, FrameCause::kDetached, FrameCause::kUnfinished}) {
-        if (causes[cause] != 0) {
-            text << ", " << causeText(cause) << " " << causes[cause];
+        if (totals.causes[cause] != 0) {
+            text << ", " << causeText(cause) << " " << totals.causes[cause];
         }
     }
     text << ")\n" << ledgerText(summary.ledger);

@@ -63,11 +63,16 @@ CauseCounts& CauseCounts::operator-=(const CauseCounts& other)
     return *this;
 }
 
-/// Those that match a value are among the causes already.
+std::uint64_t LedgerTotals::lostByCamera() const
+{
+    return causes[FrameCause::kCameraSkipped] + causes[FrameCause::kRetrievalFailed] +
+           failedTakenForLost();
+}
+
 std::uint64_t LedgerTotals::lost() const
 {
-    const std::uint64_t unmatched = failedRetrievals - causes[FrameCause::kRetrievalFailed];
-    return causes.sum() - causes[FrameCause::kTiming] - causes[FrameCause::kStopped] + unmatched;
+    return causes.sum() - causes[FrameCause::kTiming] - causes[FrameCause::kStopped] +
+           failedTakenForLost();
 }
 
 FrameLedger::FrameLedger()

@@ -100,13 +100,26 @@ struct LedgerTotals {
     std::uint64_t arrived = 0;
     std::uint64_t delivered = 0;
     CauseCounts causes;
-    std::uint64_t failedRetrievals = 0; ///< reported; those that no value matches concern no frame
-                                        ///< that is known of, such as a wait in vain
+    std::uint64_t failedRetrievals = 0; ///< reported
     std::uint64_t rangesNotListed = 0;
     std::uint64_t stretchesNotListed = 0;
 
+    /// Failed retrievals that no value matches. They concern no frame that is known of: most are
+    /// waits in vain, for a slow or triggered camera or one that is gone.
+    std::uint64_t failedWithoutFrame() const
+    {
+        return failedRetrievals - causes[FrameCause::kRetrievalFailed];
+    }
+    /// Those of them that stand for lost frames: all when frames come without numbers, since then
+    /// nothing else tells of a loss; else none.
+    std::uint64_t failedTakenForLost() const
+    {
+        return counted || arrived == 0 ? 0 : failedWithoutFrame();
+    }
+    /// Frames lost before the host had a chance.
+    std::uint64_t lostByCamera() const;
     /// Frames that somebody may miss: all causes but those of the host's own doing (the frame that
-    /// starts the timing, those between two captures), and failed retrievals.
+    /// starts the timing, those between two captures), and `failedTakenForLost`.
     std::uint64_t lost() const;
     /// What is wrong with the balance above; 0 = nothing.
     std::int64_t imbalance() const

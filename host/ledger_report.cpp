@@ -66,6 +66,19 @@ std::string countedText(const LedgerTotals& totals)
            (totals.offCounter == 0 ? "" : " + " + std::to_string(totals.offCounter) + " off it");
 }
 
+/// The failed retrievals that are not among the causes.
+std::string failuresText(const LedgerTotals& totals)
+{
+    const std::uint64_t failed = totals.failedWithoutFrame();
+    if (failed == 0) {
+        return "";
+    }
+    return "          " + plural(failed, "failed retrieval") +
+           (totals.failedTakenForLost() == 0
+                ? " without a lost frame that is known of\n"
+                : " taken for lost frames, as the camera does not number them\n");
+}
+
 } // namespace
 
 std::string causeText(FrameCause cause)
@@ -104,8 +117,7 @@ nlohmann::ordered_json ledgerJson(const FrameLedger& ledger)
             {"delivered", totals.delivered},
             {"causes", causesJson(totals.causes)},
             {"imbalance", totals.imbalance()},
-            {"failed_retrievals_without_frame",
-             totals.failedRetrievals - totals.causes[FrameCause::kRetrievalFailed]},
+            {"failed_retrievals_without_frame", totals.failedWithoutFrame()},
             {"stretches", stretchesJson(ledger)},
             {"stretches_not_listed", totals.stretchesNotListed},
             {"ranges", rangesJson(ledger)},
@@ -123,7 +135,7 @@ std::string ledgerText(const FrameLedger& ledger)
         text += "          the counter began anew " + plural(breaks - 1, "time") +
                 "; what fell between is not known\n";
     }
-    return text;
+    return text + failuresText(totals);
 }
 
 } // namespace kxhost

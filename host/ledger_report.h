@@ -17,7 +17,7 @@ std::string causeText(FrameCause cause);
 /// docs/running-grab.md describes it.
 nlohmann::ordered_json ledgerJson(const FrameLedger& ledger);
 
-/// The same for people: one line, or two, each with a final newline.
+/// The same for people: one to three lines, each with a final newline.
 std::string ledgerText(const FrameLedger& ledger);
 
 /// The causes that took frames, by their words; negative where something was taken back.

@@ -22,11 +22,12 @@ std::string ProgressLine::text(const ExportTotals& exported, std::uint64_t nowUs
     const std::uint64_t queued = exported.accepted - exported.written - exported.failed;
     const std::uint64_t lost = counts_.lost + exported.failed;
     const std::string of = frames_ == 0 ? "" : " of " + std::to_string(frames_);
+    const std::uint64_t failed = counts_.missing;
     std::array<char, 200> text{};
     std::snprintf(text.data(), text.size(),
                   "%" PRIu64 "%s frames  %.1f fps  %" PRIu64 " lost  %" PRIu64 " queued",
                   counts_.exported.load(), of.c_str(), rate, lost, queued);
-    return text.data();
+    return text.data() + (failed == 0 ? "" : "  " + std::to_string(failed) + " failed retrievals");
 }
 
 } // namespace kxhost

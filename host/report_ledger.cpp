@@ -78,6 +78,24 @@ std::string balance(const LedgerTotals& totals)
     return element("p", text, "class=\"about\"");
 }
 
+std::string failures(const LedgerTotals& totals)
+{
+    const std::uint64_t failed = totals.failedWithoutFrame();
+    if (failed == 0) {
+        return "";
+    }
+    const std::string meaning =
+        totals.failedTakenForLost() == 0
+            ? " ended without a frame, though none is known to be lost by it: a wait for a slow or "
+              "triggered camera, or for one that was gone."
+            : " ended without a frame; each counts as lost, since without numbers nothing else "
+              "tells.";
+    return element("p",
+                   dataElement("ledger-failed-without-frame", failed) +
+                       (failed == 1 ? " retrieval" : " retrievals") + meaning,
+                   "class=\"about\"");
+}
+
 std::string totalsTable(const LedgerTotals& totals, std::uint64_t all)
 {
     std::vector<std::vector<std::string>> rows = {
@@ -152,7 +170,7 @@ std::string ledgerSection(const Report& report)
     const std::uint64_t all = totals.values + totals.offCounter;
     return section("ledger", "Ledger of frames",
                    balance(totals) + shareBar(totals, all) + totalsTable(totals, all) +
-                       rangesTable(ledger) + stretchesTable(ledger));
+                       failures(totals) + rangesTable(ledger) + stretchesTable(ledger));
 }
 
 } // namespace kxhost

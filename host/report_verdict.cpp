@@ -22,8 +22,7 @@ std::string causesText(const GrabSummary& summary)
             add(totals.causes[cause], causeText(cause));
         }
     }
-    add(totals.failedRetrievals - totals.causes[FrameCause::kRetrievalFailed],
-        "retrievals without a frame");
+    add(totals.failedTakenForLost(), "known by failed retrieval only");
     return text;
 }
 

@@ -41,6 +41,10 @@ void expectAgreement(const Json& summary, const Json& ledger)
                   number(ledger, "failed_retrievals_without_frame"),
               number(summary, "failed_retrievals"));
     EXPECT_EQ(number(lost, "total"), sum(lost) - number(lost, "total"));
+    const bool isUncounted = ledger["counted_by_camera"] == false && ledger["arrived"] != 0;
+    EXPECT_EQ(number(lost, "camera"),
+              lostBy(summary, "camera_skipped") + lostBy(summary, "retrieval_failed") +
+                  (isUncounted ? number(ledger, "failed_retrievals_without_frame") : 0));
 }
 
 void expectBalance(const Json& ledger)

@@ -114,13 +114,29 @@ TEST_F(SessionLedger, ACameraWithoutCounterIsNotCounted)
     EXPECT_FALSE(session_.frames().front().contains("stretch"));
 }
 
+TEST_F(SessionLedger, WithoutCounterFailedRetrievalsAreWhatIsKnownOfLosses)
+{
+    session_.bus = busWith(TestSensor(), "embedded = [\"timestamp\"]\n\n[[camera.fault]]\n"
+                                         "kind = \"error\"\nframe = 3\n");
+    session_.set("grab.max_losses=0");
+    session_.quiet = false;
+    const auto finished = session_.run();
+    EXPECT_EQ(finished.code, 7) << finished.err;
+    EXPECT_NE(finished.out.find("1 failed retrieval taken for lost frames"), std::string::npos)
+        << finished.out;
+    EXPECT_EQ(session_.summary()["lost"]["camera"], 1);
+    EXPECT_EQ(session_.summary()["lost"]["total"], 1);
+}
+
 TEST_F(SessionLedger, WaitsInVainAreNoFrames)
 {
     session_.bus = busWithFault("kind = \"stall\"\nframe = 4");
+    session_.set("grab.max_losses=0");
     kxtest::LiveGrab grab(session_);
     grab.waitForMoreFrames(3);
     EXPECT_EQ(grab.finish(), 0);
     const Json summary = session_.summary();
+    EXPECT_EQ(summary["lost"]["total"], 0);
     EXPECT_GE(summary["ledger"]["failed_retrievals_without_frame"], 2);
     EXPECT_EQ(summary["ledger"]["values"], 4);
     EXPECT_EQ(lostBy(summary, "retrieval_failed"), 0U);
@@ -141,8 +157,9 @@ TEST_F(SessionLedger, ADetachedCameraLosesNoFrameThatIsKnown)
 TEST_F(SessionLedger, ACameraThatComesBackBeginsAnotherCount)
 {
     session_.bus = busWithFault("kind = \"detach\"\nframe = 4\ncount = 1000\nback_after = 0.3");
-    session_.set("grab.frames=8");
+    session_.settings = {"grab.frames=8", "grab.max_losses=0"};
     ASSERT_EQ(session_.run().code, 0);
+    EXPECT_GT(session_.summary()["failed_retrievals"], 0);
     const Json stretches = session_.summary()["ledger"]["stretches"];
     EXPECT_EQ(stretches, Json::parse(R"([
         {"stretch": 1, "begins": "start", "first": 0, "last": 3},

@@ -5,6 +5,14 @@ def _total(counts):
     return sum(counts.values())
 
 
+def _lost_by_camera(ledger):
+    """Failed retrievals count where the camera does not number its frames: nothing else tells."""
+    causes = ledger["causes"]
+    uncounted = not ledger["counted_by_camera"] and ledger["arrived"] != 0
+    return (causes.get("camera_skipped", 0) + causes.get("retrieval_failed", 0) +
+            (ledger["failed_retrievals_without_frame"] if uncounted else 0))
+
+
 def _agreements(summary):
     """Pairs of counts that different parts keep of the same frames, by what they count."""
     ledger, lost, exported = summary["ledger"], summary["lost"], summary["exported"]
@@ -20,6 +28,7 @@ def _agreements(summary):
         "failed retrievals": (cause("retrieval_failed") + ledger["failed_retrievals_without_frame"],
                               summary["failed_retrievals"]),
         "lost": (lost["total"], _total(lost) - lost["total"]),
+        "lost by the camera": (lost["camera"], _lost_by_camera(ledger)),
         "balance": (ledger["values"] + ledger["off_counter"],
                     ledger["delivered"] + _total(ledger["causes"])),
         "imbalance": (ledger["imbalance"], 0),

@@ -58,6 +58,16 @@ class Ledger(unittest.TestCase):
             with self.subTest(path):
                 self.assertNotEqual(ledger.complaints(changed(path, value)), [])
 
+    def test_waits_in_vain_are_lost_only_where_nothing_numbers_the_frames(self):
+        waited = changed("failed_retrievals", 1)
+        waited["ledger"]["failed_retrievals_without_frame"] = 1
+        self.assertEqual(ledger.complaints(waited), [])
+        waited["lost"].update(total=3, camera=2)
+        self.assertEqual(ledger.complaints(waited),
+                         ["ledger, lost by the camera: 2 is not 1"])
+        waited["ledger"]["counted_by_camera"] = False
+        self.assertEqual(ledger.complaints(waited), [])
+
     def test_metadata_has_the_frames_that_were_written(self):
         self.assertNotEqual(ledger.complaints(GOOD, records_of(self.values[:2])), [])
         records = records_of(self.values)

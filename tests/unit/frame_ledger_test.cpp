@@ -103,6 +103,33 @@ TEST_F(Ledger, AWaitInVainIsNoLostFrame)
     EXPECT_EQ(lost(FrameCause::kRetrievalFailed), 0U);
     EXPECT_EQ(lost(FrameCause::kCameraSkipped), 1U) << "no failure was reported in this gap";
     EXPECT_EQ(ledger_.totals().failedRetrievals, 5U);
+    EXPECT_EQ(ledger_.totals().failedWithoutFrame(), 5U);
+    EXPECT_EQ(ledger_.totals().failedTakenForLost(), 0U);
+    EXPECT_EQ(ledger_.totals().lostByCamera(), 1U);
+    EXPECT_EQ(ledger_.totals().lost(), 1U);
+}
+
+TEST_F(Ledger, AFailedRetrievalInAGapIsLostOnce)
+{
+    deliver({1});
+    ledger_.retrievalFailed();
+    ledger_.retrievalFailed();
+    deliver({3, 5});
+    EXPECT_EQ(ledger_.totals().failedWithoutFrame(), 1U);
+    EXPECT_EQ(ledger_.totals().lostByCamera(), 2U) << "one failed, one was skipped";
+    EXPECT_EQ(ledger_.totals().lost(), 2U);
+}
+
+TEST_F(Ledger, WithoutNumbersAFailedRetrievalIsAllThatIsKnownOfALoss)
+{
+    ledger_.retrievalFailed();
+    EXPECT_EQ(ledger_.totals().lost(), 0U) << "no frame has come: nothing says that one was missed";
+    ledger_.delivered({});
+    EXPECT_EQ(ledger_.totals().failedTakenForLost(), 1U);
+    EXPECT_EQ(ledger_.totals().lostByCamera(), 1U);
+    EXPECT_EQ(ledger_.totals().lost(), 1U);
+    deliver({1});
+    EXPECT_EQ(ledger_.totals().lost(), 0U) << "the camera numbers frames after all";
 }
 
 TEST_F(Ledger, WaitingForAPlaceExplainsWhatFailuresDoNot)

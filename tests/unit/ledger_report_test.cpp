@@ -78,6 +78,32 @@ TEST(LedgerReport, TextDoesNotCountWhatTheCameraDoesNot)
     EXPECT_EQ(ledgerJson(ledger)["counted_by_camera"], false);
 }
 
+TEST(LedgerReport, TextTellsOfFailedRetrievals)
+{
+    FrameLedger ledger;
+    ledger.delivered(1);
+    ledger.retrievalFailed();
+    EXPECT_EQ(ledgerText(ledger), "ledger    1 value of the camera's counter = 1 delivered\n"
+                                  "          1 failed retrieval without a lost frame that is "
+                                  "known of\n");
+    ledger.retrievalFailed();
+    EXPECT_NE(ledgerText(ledger).find("2 failed retrievals without"), std::string::npos);
+    ledger.delivered(4);
+    EXPECT_EQ(ledgerText(ledger), "ledger    4 values of the camera's counter = 2 delivered + "
+                                  "2 retrieval failed\n");
+}
+
+TEST(LedgerReport, TextSaysWhatFailedRetrievalsStandForWithoutNumbers)
+{
+    FrameLedger ledger;
+    ledger.delivered({});
+    ledger.retrievalFailed();
+    EXPECT_EQ(ledgerText(ledger),
+              "ledger    1 frame (not counted by the camera) = 1 delivered\n"
+              "          1 failed retrieval taken for lost frames, as the camera does not number "
+              "them\n");
+}
+
 TEST(LedgerReport, WhatIsLostBeforeAFrameLeavesTheTimingOut)
 {
     CauseCounts counts;

@@ -51,5 +51,14 @@ TEST(ProgressLine, LossesAreCountedWhereverTheyHappen)
               "0 frames  1.0 fps  63 lost  3 queued");
 }
 
+TEST(ProgressLine, FailedRetrievalsAreShownWhenThereAreSome)
+{
+    GrabCounts counts;
+    counts.retrieved = 1;
+    counts.missing = 6;
+    EXPECT_EQ(ProgressLine(counts, 0, kStartUs).text({}, kStartUs + 1'000'000),
+              "0 frames  1.0 fps  0 lost  0 queued  6 failed retrievals");
+}
+
 } // namespace
 } // namespace kxhost

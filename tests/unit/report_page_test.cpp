@@ -116,12 +116,28 @@ TEST(ReportPage, SaysWhatWasLostAndWhy)
     report.summary.ledger.lost(13, FrameCause::kQueueFull);
     report.summary.ledger.delivered(1014);
     const std::string page = reportPage(report);
-    EXPECT_TRUE(has(page, "<h1>Finished, with 1\u202F003 frames lost</h1>"))
+    EXPECT_TRUE(has(page, "<h1>Finished, with 1\u202F001 frames lost</h1>"))
         << page.substr(5000, 3000);
-    EXPECT_TRUE(has(page, "<b>1\u202F003</b> were lost: 1\u202F000 camera skipped, 1 queue full, 2 "
-                          "retrievals without a frame."))
+    EXPECT_TRUE(has(page, "<b>1\u202F001</b> were lost: 1\u202F000 camera skipped, 1 queue full."))
+        << page;
+    EXPECT_TRUE(has(page, "<data id=\"ledger-failed-without-frame\" value=\"2\">2</data> "
+                          "retrievals ended without a frame, though none is known to be lost"))
         << page;
     EXPECT_TRUE(has(page, "<header class=\"fair\">"));
+}
+
+TEST(ReportPage, TakesFailedRetrievalsForLostFramesWhereNothingElseTells)
+{
+    Report report = smallReport();
+    EXPECT_FALSE(has(reportPage(report), "ledger-failed-without-frame"));
+    report.summary.ledger = FrameLedger();
+    report.summary.ledger.delivered({});
+    report.summary.ledger.retrievalFailed();
+    const std::string page = reportPage(report);
+    EXPECT_TRUE(has(page, "<b>1</b> was lost: 1 known by failed retrieval only.")) << page;
+    EXPECT_TRUE(
+        has(page, "value=\"1\">1</data> retrieval ended without a frame; each counts as lost"))
+        << page;
 }
 
 TEST(ReportPage, SaysWhyItFailed)
