@@ -26,7 +26,7 @@ constexpr std::size_t kMostConnections = 32;
 /// What replies have to get out when the server stops.
 constexpr auto kTimeToStop = 250ms;
 /// How much nicer than the grab.
-constexpr int kNiceness = 10;
+constexpr int kNiceness = 5;
 
 /// An address as the system takes it.
 struct SocketAddress {

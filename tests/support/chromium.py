@@ -2,6 +2,7 @@
 needs no port; everything that it keeps lies in a folder of its own.
 """
 
+import base64
 import json
 import os
 import select
@@ -77,6 +78,31 @@ class Chromium:
         if "exceptionDetails" in answer:
             raise RuntimeError(json.dumps(answer["exceptionDetails"]))
         return answer["result"].get("value")
+
+    def click(self, selector):
+        """Presses the left button of the mouse in the middle of an element, which must be seen."""
+        x, y = self.evaluate(f"""(() => {{
+            const element = document.querySelector({json.dumps(selector)});
+            element.scrollIntoView({{block: "center"}});
+            const box = element.getBoundingClientRect();
+            return [box.x + box.width / 2, box.y + box.height / 2];
+        }})()""")
+        for kind in ("mousePressed", "mouseReleased"):
+            self._call("Input.dispatchMouseEvent", type=kind, x=x, y=y, button="left", clickCount=1)
+
+    def write(self, selector, text):
+        """Types into a field."""
+        self.click(selector)
+        self._call("Input.insertText", text=text)
+
+    def shine(self, scheme):
+        """Lets the page think that people like "dark" or "light"."""
+        self._call("Emulation.setEmulatedMedia",
+                   features=[{"name": "prefers-color-scheme", "value": scheme}])
+
+    def screenshot(self):
+        """The page as it is seen, as PNG."""
+        return base64.b64decode(self._call("Page.captureScreenshot")["data"])
 
     def _call(self, method, **parameters):
         self._number += 1
