@@ -9,7 +9,8 @@
 namespace kxhost {
 namespace {
 
-constexpr int kMostParts = 5;
+constexpr int kMostValueParts = 5;
+constexpr int kMostTimeParts = 6;
 
 struct Unit {
     const char* name;
@@ -66,7 +67,7 @@ Axis microsecondAxis(double lowUs, double highUs)
         lowUs -= 1;
         highUs += 1;
     }
-    const double step = std::max(niceStep(highUs - lowUs, kMostParts), 1.0);
+    const double step = std::max(niceStep(highUs - lowUs, kMostValueParts), 1.0);
     Axis axis;
     axis.low = std::floor(lowUs / step + 1e-9) * step;
     axis.high = std::ceil(highUs / step - 1e-9) * step;
@@ -88,7 +89,7 @@ Axis elapsedAxis(double endUs)
     Axis axis;
     axis.high = std::max(endUs, 1.0);
     const Unit& unit = unitFor(kUnits, axis.high);
-    mark(axis, niceStep(axis.high / unit.us, kMostParts) * unit.us, unit);
+    mark(axis, niceStep(axis.high / unit.us, kMostTimeParts) * unit.us, unit);
     return axis;
 }
 

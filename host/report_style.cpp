@@ -7,14 +7,14 @@ const char* const kReportStyle = R"(
 :root {
   --paper: #ffffff; --ink: #14181d; --soft: #59636e; --rule: #d8dee4; --ground: #f4f6f8;
   --good: #187a43; --fair: #8f5a00; --bad: #b3261e;
-  --line: #1f5fb0; --range: #1f5fb033; --away: #8f5a0026; --flag: #6b3fa0;
+  --line: #1f5fb0; --range: #1f5fb033; --away: #f1e9da; --flag: #6b3fa0;
   --red: #cf3a30; --green: #238636; --blue: #2f62d0; --grey: #59636e;
 }
 @media (prefers-color-scheme: dark) {
   :root {
     --paper: #0f1317; --ink: #e4e9ee; --soft: #97a3af; --rule: #2c343c; --ground: #181d23;
     --good: #56c785; --fair: #e0a63c; --bad: #ff7b70;
-    --line: #6fb0ff; --range: #6fb0ff3d; --away: #e0a63c2e; --flag: #c39bf2;
+    --line: #6fb0ff; --range: #6fb0ff3d; --away: #2e2613; --flag: #c39bf2;
     --red: #ff7468; --green: #56c768; --blue: #7da6ff; --grey: #b4bec8;
   }
 }
@@ -49,7 +49,7 @@ pre { padding: .75rem 1rem; background: var(--ground); overflow-x: auto; white-s
 main > section > figure { margin: 1.25rem 0 2.25rem; } .pair figure { margin: 1.25rem 0; }
 .pair { display: grid; grid-template-columns: repeat(auto-fit, minmax(min(26rem, 100%), 1fr)); gap: 0 2rem; }
 .pair figure { min-width: 0; }
-svg.plot { display: block; overflow: visible; width: calc(100% - 4rem); margin: 2.25rem .5rem 2rem 3.5rem; }
+svg.plot { display: block; overflow: visible; width: calc(100% - 4.5rem); margin: 2.25rem 1rem 2rem 3.5rem; }
 svg text { fill: var(--soft); font-size: .75rem; font-variant-numeric: tabular-nums; }
 svg text.y, svg text.unit { text-anchor: end; } svg text.y { dominant-baseline: central; }
 svg text.x { text-anchor: middle; }

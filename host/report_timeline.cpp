@@ -84,6 +84,7 @@ std::optional<Whole> wholeOf(const RunRecord& record, Measure measure)
     return Whole{ends.smallest(), middle->first, ends.largest()};
 }
 
+/// On top of the measure: a bucket may reach from one side of a gap to the other.
 void drawEvents(Plot& plot, const RunRecord& record)
 {
     for (const CameraGap& gap : record.gaps) {
@@ -98,6 +99,28 @@ void drawEvents(Plot& plot, const RunRecord& record)
                       "Configuration " + std::to_string(each.number) + " from here on");
         }
     }
+}
+
+/// What the figure shows of a measure: without the two of a hundred buckets that stick out most, at
+/// either end, which would leave nothing to be seen of the others.
+std::pair<double, double> shownOf(const RunRecord& record, Measure measure, const Whole& whole)
+{
+    std::vector<std::int64_t> lows;
+    std::vector<std::int64_t> highs;
+    for (const RunBucket& bucket : record.series.buckets()) {
+        if ((bucket.*measure).count() != 0) {
+            lows.push_back((bucket.*measure).smallest());
+            highs.push_back((bucket.*measure).largest());
+        }
+    }
+    std::ranges::sort(lows);
+    std::ranges::sort(highs);
+    const std::size_t cut = lows.size() / 50;
+    const auto low = static_cast<double>(lows[cut]);
+    const auto high = static_cast<double>(highs[highs.size() - 1 - cut]);
+    const double room = (high - low) / 4;
+    return {std::max(static_cast<double>(whole.smallest), low - room),
+            std::min(static_cast<double>(whole.largest), high + room)};
 }
 
 void drawMeasure(Plot& plot, const RunRecord& record, Measure measure)
@@ -132,13 +155,15 @@ std::string measureFigure(const RunRecord& record, Measure measure, const char* 
     if (!whole) {
         return figure(title, words, element("p", "There is nothing to show.", "class=\"none\""));
     }
-    Plot plot(
-        elapsedAxis(endOf(record)),
-        microsecondAxis(static_cast<double>(whole->smallest), static_cast<double>(whole->largest)),
-        kHeight);
-    drawEvents(plot, record);
+    const auto [low, high] = shownOf(record, measure, *whole);
+    const Axis axis = microsecondAxis(low, high);
+    const bool isCut = static_cast<double>(whole->smallest) < axis.low ||
+                       static_cast<double>(whole->largest) > axis.high;
+    Plot plot(elapsedAxis(endOf(record)), axis, kHeight);
     drawMeasure(plot, record, measure);
-    return figure(title, words + " " + element("b", rangeText(*whole)) + ".",
+    drawEvents(plot, record);
+    const std::string spikes = isCut ? " Spikes reach beyond the figure." : "";
+    return figure(title, words + " " + element("b", rangeText(*whole)) + "." + spikes,
                   plot.svg(std::string(title) + " over the run: " + rangeText(*whole) + "."));
 }
 
@@ -156,13 +181,13 @@ std::string lossFigure(const RunRecord& record)
     count.high = static_cast<double>(most);
     count.marks = {{0, "0"}, {count.high, grouped(static_cast<std::uint64_t>(most))}};
     Plot plot(elapsedAxis(endOf(record)), count, kLossHeight);
-    drawEvents(plot, record);
     for (const RunBucket& bucket : record.series.buckets()) {
         if (bucket.lost > 0) {
             plot.bar("loss", static_cast<double>(bucket.fromUs), static_cast<double>(bucket.toUs),
                      static_cast<double>(bucket.lost));
         }
     }
+    drawEvents(plot, record);
     return figure("Frames lost", "Each bar is what was lost ahead of the frames of one bucket.",
                   plot.svg("Frames lost over the run, up to " +
                            grouped(static_cast<std::uint64_t>(most)) + " in a bucket."));

@@ -112,9 +112,13 @@ std::string exportText(const GrabSummary& summary)
     if (summary.folder.empty()) {
         return "not written to disk";
     }
-    return counted(summary.exported.pictures, "picture") + ", " +
-           fixedText(static_cast<double>(summary.exported.bytes) / 1e6, 1) + " MB, in " +
-           element("code", htmlEscape(summary.folder));
+    const ExportTotals& exported = summary.exported;
+    const std::string what = exported.pictures == 0
+                                 ? "none"
+                                 : counted(exported.pictures, "picture") + ", " +
+                                       fixedText(static_cast<double>(exported.bytes) / 1e6, 1) +
+                                       " MB";
+    return what + " in " + element("code", htmlEscape(summary.folder));
 }
 
 std::string timeText(std::uint64_t us)

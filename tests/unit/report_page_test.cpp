@@ -102,8 +102,8 @@ TEST(ReportPage, SaysInWordsHowItWent)
     for (const char* fact :
          {"Tester TST-1, serial 424242", "<dd>lab</dd>", "2024-05-01 13:59:07 UTC",
           "640 × 480 pixels, MONO8T", "33.3 ms (30.0 frames a second)",
-          "3 pictures, 3.0 MB, in <code>out</code>", "<code>camera.toml</code>",
-          "simulated cameras", "kxhost 1.2.3, plug-in 4.5.6"}) {
+          "3 pictures, 3.0 MB in <code>out</code>", "<code>camera.toml</code>", "simulated cameras",
+          "kxhost 1.2.3, plug-in 4.5.6"}) {
         EXPECT_TRUE(has(page, fact)) << fact;
     }
 }
@@ -218,6 +218,31 @@ TEST(ReportPage, TheTimeOfAFrameIsHeldAgainstItsPeriod)
     EXPECT_TRUE(has(page, "To disk went 30.0 MB a second."));
     EXPECT_TRUE(
         has(page, "Processing</th><td>100 µs</td><td>100 µs</td><td>100 µs</td><td>0.30 %</td>"));
+}
+
+/// A run of so many frames with an interval of 33.3 ms, but for one.
+Report runWithSpike(int frames, std::int64_t spikeUs)
+{
+    Report report = smallReport();
+    report.record.series = {};
+    for (int frame = 0; frame < frames; ++frame) {
+        RunPoint point;
+        point.atUs = frame * 33'333;
+        point.intervalUs = frame == frames / 2 ? spikeUs : 33'333 + frame % 3;
+        report.record.series.add(point);
+    }
+    return report;
+}
+
+TEST(ReportPage, ASpikeDoesNotHideTheRest)
+{
+    const std::string page = reportPage(runWithSpike(200, 900'000));
+    EXPECT_TRUE(has(page, "<b>33.3 ms to 900 ms, median 33.3 ms</b>. Spikes reach beyond the "
+                          "figure."));
+    EXPECT_TRUE(has(page, ">33.333</text>")) << "the axis is that of the others";
+    EXPECT_FALSE(has(reportPage(runWithSpike(200, 33'334)), "Spikes reach"));
+    const std::string few = reportPage(runWithSpike(20, 900'000));
+    EXPECT_FALSE(has(few, "Spikes reach")) << "one of a few is no exception";
 }
 
 TEST(ReportPage, NoTextFromOutsideBecomesMarkup)

@@ -155,6 +155,7 @@ TEST(ReportAxis, ElapsedTimeEndsWithTheRun)
     EXPECT_DOUBLE_EQ(seconds.low, 0);
     EXPECT_DOUBLE_EQ(seconds.high, 12.5e6);
     EXPECT_EQ(textsOf(seconds), (Texts{"0", "5", "10"}));
+    EXPECT_EQ(textsOf(elapsedAxis(28e6)), (Texts{"0", "5", "10", "15", "20", "25"}));
     EXPECT_EQ(elapsedAxis(0).unit, "ms");
     EXPECT_EQ(elapsedAxis(400e3).unit, "ms");
     EXPECT_EQ(elapsedAxis(600e6).unit, "min");
