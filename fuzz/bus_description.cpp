@@ -15,7 +15,7 @@ namespace {
 
 constexpr const char* kFile = "fuzz.toml";
 /// Larger pictures only take longer.
-constexpr std::uint64_t kMostPixels = 64 * 64;
+constexpr std::uint64_t kMostPixels = 4096;
 constexpr std::uint64_t kStartUs = 1'700'000'000'000'000;
 
 void checkProblem(const fcsim::ParsedBus& parsed)

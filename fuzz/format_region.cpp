@@ -183,7 +183,7 @@ void checkFrames(const KxPGrey::CCamProc& proc, const Format7ImageSettings& regi
 {
     KX_MUST(proc.roiWidth == region.width && proc.roiHeight == region.height);
     KX_MUST(proc.activeFrameSize <= proc.gBufferFrameSize || proc.convEnabled);
-    KX_MUST(8 * proc.stride >= std::uint64_t{proc.bitsPerPixel} * region.width);
+    KX_MUST(std::uint64_t{8} * proc.stride >= std::uint64_t{proc.bitsPerPixel} * region.width);
     // The first frame sets the clock and is not exported. At some rates none comes in time.
     const std::size_t frames = host().exports.size() + 1;
     const bool usual = host().config.fps == kUsualFps;

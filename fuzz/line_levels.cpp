@@ -80,6 +80,7 @@ void anyLevels(Bytes& bytes)
 // ---- A line that both decoders must understand alike.
 
 constexpr std::uint32_t kGapPolls = 12;
+constexpr std::uint64_t kFrameEndPolls = 36;
 constexpr std::uint64_t kPollUs = 2000;      ///< from poll to poll at least
 constexpr std::uint64_t kPollVariesUs = 200; ///< and at most so much more
 constexpr std::uint64_t kSlowestUs = kPollUs + kPollVariesUs;
@@ -94,8 +95,10 @@ constexpr std::uint64_t atMost(std::uint64_t polls)
     return polls * kPollUs;
 }
 
-constexpr fcsim::LineTiming kTiming{atLeast(2), kGapPolls*(kPollUs + kPollVariesUs / 2),
-                                    3 * kGapPolls*(kPollUs + kPollVariesUs / 2)};
+constexpr std::uint64_t kMeanPollUs = kPollUs + kPollVariesUs / 2;
+constexpr fcsim::LineTiming kTiming = {.shortestUs = atLeast(2),
+                                       .symbolGapUs = kMeanPollUs * kGapPolls,
+                                       .frameEndUs = kMeanPollUs * kFrameEndPolls};
 /// What the receiver keeps: fifteen symbols of data and the parity.
 constexpr std::size_t kMostSymbols = 16;
 
@@ -123,9 +126,9 @@ Line drawLine(Bytes& bytes, bool idleHigh)
             atUs += time(atLeast(3), atMost(kGapPolls - 1));
         }
         // The last pulse's rest becomes a gap.
-        atUs = line.transitions.back().atUs + time(atLeast(kGapPolls), atMost(3 * kGapPolls - 1));
+        atUs = line.transitions.back().atUs + time(atLeast(kGapPolls), atMost(kFrameEndPolls - 1));
     }
-    line.endUs = line.transitions.back().atUs + atLeast(3 * kGapPolls + 2);
+    line.endUs = line.transitions.back().atUs + atLeast(kFrameEndPolls + 2);
     return line;
 }
 
