@@ -20,6 +20,14 @@ bool suffices(const NetworkInterface& interface, std::uint64_t mtu)
     return interface.mtu.state == FileNumber::State::kThere && interface.mtu.value >= mtu;
 }
 
+/// Whether a shell takes the name for one word and nothing else.
+bool isPlain(const std::string& name)
+{
+    constexpr const char* kPlain = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz"
+                                   "0123456789_.:@-";
+    return name.find_first_not_of(kPlain) == std::string::npos;
+}
+
 /// `lacks` is the verdict on an interface whose packets are too small.
 Check judgeInterface(const NetworkInterface& interface, std::uint64_t mtu, Verdict lacks)
 {
@@ -32,7 +40,9 @@ Check judgeInterface(const NetworkInterface& interface, std::uint64_t mtu, Verdi
     check.found = bytesText(interface.mtu.value);
     if (!suffices(interface, mtu)) {
         check.verdict = lacks;
-        if (lacks != Verdict::kSkip) {
+        if (lacks != Verdict::kSkip && !isPlain(interface.name)) {
+            check.note = "No command is given for an interface with such a name.";
+        } else if (lacks != Verdict::kSkip) {
             check.command =
                 "sudo ip link set dev " + interface.name + " mtu " + std::to_string(mtu);
             check.note = "If the camera is on it; until the next boot. Every switch on the way "

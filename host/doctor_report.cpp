@@ -1,6 +1,8 @@
 // What `kxhost doctor` prints, and what it tells the shell.
 #include "doctor_report.h"
 
+#include "toml_text.h"
+
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
@@ -31,7 +33,8 @@ const char* verdictWord(Verdict verdict)
     return "unknown";
 }
 
-/// Appends a cell that begins at `column`, on a new line when what is there reaches too far.
+/// Appends a cell that begins at `column`, on a new line when what is there reaches too far. What
+/// others have called their devices and programs must not steer a terminal.
 void addCell(std::string& text, std::size_t column, const std::string& cell)
 {
     if (cell.empty()) {
@@ -43,7 +46,7 @@ void addCell(std::string& text, std::size_t column, const std::string& cell)
         text += '\n';
         used = 0;
     }
-    text += std::string(column - used, ' ') + cell;
+    text += std::string(column - used, ' ') + printable(cell);
 }
 
 /// The words of a sentence in lines that begin at `column`.
@@ -107,10 +110,10 @@ std::string doctorText(const Checks& checks)
     for (const Check& check : checks) {
         addRow(text, verdictWord(check.verdict), check);
         if (!check.note.empty()) {
-            addWrapped(text, kFoundColumn, check.note);
+            addWrapped(text, kFoundColumn, printable(check.note));
         }
         if (!check.command.empty()) {
-            text += std::string(kCheckColumn, ' ') + "$ " + check.command + "\n";
+            text += std::string(kCheckColumn, ' ') + "$ " + printable(check.command) + "\n";
         }
     }
     return text + "\n" + totals(checks);

@@ -1,6 +1,8 @@
 // Looks at another process: whether it is a grab that takes a signal.
 #include "grab_process.h"
 
+#include "toml_text.h"
+
 #include <cstdint>
 #include <cstdlib>
 #include <filesystem>
@@ -46,7 +48,8 @@ std::string whyNoGrab(int pid, int signal, const std::string& proc)
     }
     // The name is readable for everybody, unlike the link to the program.
     if (const std::string name = firstLine(folder / "comm"); name != kProgram) {
-        return who + " is not " + kProgram + " but " + (name.empty() ? "unknown" : name) + ".";
+        return who + " is not " + kProgram + " but " +
+               (name.empty() ? "unknown" : printable(name)) + ".";
     }
     if ((blockedSignals(folder / "status") >> (signal - 1) & 1U) == 0) {
         return who + " is a " + kProgram + " that does not grab.";

@@ -66,6 +66,22 @@ TEST(DoctorNetwork, AnAbsentBufferIsNoFailureAndAGarbledOneIsNotKnown)
     EXPECT_EQ(garbled.found, "no number to be read");
 }
 
+TEST(DoctorNetwork, ANameThatAShellWouldReadOtherwiseGetsNoCommand)
+{
+    for (const char* const name : {"a;reboot", "$(id)", "a b", "a'b", "e\x1b[1m"}) {
+        const FakeTree fake;
+        port(fake, name, "up", "1500");
+        const Check check = mtuOf(fake, gigeNeeds(9000)).at(0);
+        EXPECT_EQ(check.verdict, Verdict::kFail);
+        EXPECT_EQ(check.command, "") << name;
+        EXPECT_EQ(check.note, "No command is given for an interface with such a name.");
+    }
+    const FakeTree plain;
+    port(plain, "br-0.7:1@Z_", "up", "1500");
+    EXPECT_EQ(mtuOf(plain, gigeNeeds(9000)).at(0).command,
+              "sudo ip link set dev br-0.7:1@Z_ mtu 9000");
+}
+
 TEST(DoctorNetwork, PacketsMayBeExactlyAsNeeded)
 {
     const FakeTree enough;

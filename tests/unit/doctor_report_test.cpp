@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
 #include <sstream>
 
 namespace kxhost {
@@ -55,6 +56,21 @@ TEST(DoctorReport, CommandsStayInOnePieceAndNotesAreWrapped)
         EXPECT_TRUE(line.size() <= 80 || line.find("$ echo") == 9) << line;
     }
     EXPECT_NE(text.find("\n1 to mend.\n"), std::string::npos) << text;
+}
+
+TEST(DoctorReport, WhatOthersHaveCalledThingsDoesNotSteerTheTerminal)
+{
+    Check hostile = check(Verdict::kWarn);
+    hostile.subject = "Flea\x1b[2J";
+    hostile.found = "held by a\nb\rc (process 7)";
+    hostile.note = "See \x1b]0;x\x07.";
+    hostile.command = "kill \x1b[1m7";
+    const std::string text = doctorText({hostile});
+    const auto isControl = [](unsigned char each) {
+        return (each < ' ' && each != '\n') || each == 0x7f;
+    };
+    EXPECT_TRUE(std::ranges::none_of(text, isControl)) << text;
+    EXPECT_NE(text.find("Flea\\u001B[2J: held by a\\nb"), std::string::npos) << text;
 }
 
 TEST(DoctorReport, TheEndCountsWhatIsToBeDone)

@@ -40,6 +40,8 @@ TEST_F(GrabProcess, OtherProgramsAreLeftAlone)
 {
     process("vim", "ffffffffffffffff");
     EXPECT_EQ(why(SIGHUP), "Process 77 is not kxhost but vim.");
+    process("a\x1b[2J", "ffffffffffffffff");
+    EXPECT_EQ(why(SIGHUP), "Process 77 is not kxhost but a\\u001B[2J.");
     EXPECT_EQ(whyNoGrab(getpid(), SIGHUP),
               "Process " + std::to_string(getpid()) + " is not kxhost but grab_process_te.");
 }
