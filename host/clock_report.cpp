@@ -94,9 +94,20 @@ std::string wanderText(const ClockFit& fit)
     return text;
 }
 
+/// Whether a correction would serve better than none: the uncertainty is no more than the rate
+/// itself, or than a millionth, which few clocks keep anyway.
+bool isWorthCorrecting(const ClockFit& fit)
+{
+    constexpr double kMillionthNs = 1000; // per second
+    return fit.uncertaintyNs <= std::max(std::abs(fit.rateNs), kMillionthNs);
+}
+
 std::string advice(const ClockFit& fit)
 {
     constexpr double kUsAMinute = 60 / 1e3; // of one ns/s
+    if (!isWorthCorrecting(fit)) {
+        return "\nThe rate is less certain than it is large: look longer for a clock_correction.\n";
+    }
     return std::string("\nFor time stamps from the camera's clock, good to ") +
            number(fit.uncertaintyNs * kUsAMinute, 1) + " us a minute" +
            (fit.wanders ? " on average while it wanders" : "") +
@@ -136,7 +147,8 @@ void addFit(Json& object, const ClockFit& fit)
     object["rate_ns_per_s"] = fit.rateNs;
     object["uncertainty_ns_per_s"] = fit.uncertaintyNs;
     object["confidence"] = kConfidence;
-    object["clock_correction"] = clockCorrectionNs(fit);
+    object["clock_correction"] =
+        isWorthCorrecting(fit) ? Json(clockCorrectionNs(fit)) : Json(nullptr);
     object["offset_us"] = fit.offsetUs;
     object["at_camera_us"] = fit.atCameraUs;
     object["residual_us"] = {{"median", fit.residual.medianUs},

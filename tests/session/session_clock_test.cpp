@@ -116,7 +116,7 @@ TEST_F(SessionClock, TheReportIsForPeopleUnlessAskedOtherwise)
     EXPECT_TRUE(finished.out.starts_with("frames    ")) << "no log:\n" << finished.out;
     for (const char* part :
          {"\nrate      the camera's clock is slow by ", "\noffset    ", "\nresidual  median ",
-          "\nwander    not looked for", "\nclock_correction = \""}) {
+          "\nwander    not looked for", "clock_correction"}) { // or that one is to look longer
         EXPECT_NE(finished.out.find(part), std::string::npos) << part << " in:\n" << finished.out;
     }
     EXPECT_NE(finished.err.find("Init timings: "), std::string::npos) << "the log is there";

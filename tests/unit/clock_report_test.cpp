@@ -98,6 +98,30 @@ TEST(ClockReport, AShortRunSaysThatItCannotTellAWander)
     EXPECT_EQ(part(fit, "wander"), "wander    not looked for, the run is too short\n");
 }
 
+TEST(ClockReport, AnUncertainRateIsNoAdvice)
+{
+    ClockFit fit = someFit();
+    const auto correction = [&] {
+        return nlohmann::json::parse(clockJson(fit, 0, ""))["clock_correction"];
+    };
+    fit.rateNs = -2'944'807;
+    fit.uncertaintyNs = 5'727'413;
+    EXPECT_TRUE(clockText(fit).ends_with("\n\nThe rate is less certain than it is large: look "
+                                         "longer for a clock_correction.\n"))
+        << clockText(fit);
+    EXPECT_EQ(clockText(fit).find("[timestamps]"), std::string::npos);
+    EXPECT_TRUE(correction().is_null());
+    fit.uncertaintyNs = 2'944'807;
+    EXPECT_NE(clockText(fit).find("clock_correction = \"2944807 ns/s\"\n"), std::string::npos);
+    EXPECT_EQ(correction(), 2'944'807);
+    // A millionth is good enough for a clock that runs better than that.
+    fit.rateNs = 3;
+    fit.uncertaintyNs = 1000;
+    EXPECT_EQ(correction(), -3);
+    fit.uncertaintyNs = 1000.1;
+    EXPECT_TRUE(correction().is_null());
+}
+
 TEST(ClockReport, TheJsonHasItAll)
 {
     ClockFit fit = someFit();
