@@ -18,6 +18,9 @@ std::string programFolder()
 std::string findPiece(const std::string& programFolder, const std::string& inBuildTree,
                       const std::string& inLibraryFolder)
 {
+    if (programFolder.empty()) {
+        return {}; // unknown: the working directory is no place to load code from
+    }
     const std::filesystem::path here(programFolder);
     const std::array places = {here / inBuildTree, here / ".." / KXHOST_LIBDIR / inLibraryFolder};
     for (const auto& place : places) {

@@ -13,7 +13,7 @@ std::string findSimulation();
 
 /// The first of the places where a piece may lie, as seen from `programFolder`, that exists: in a
 /// build tree `inBuildTree` below it, in an installation `inLibraryFolder` below the library
-/// folder.
+/// folder. Empty = none of them does, or `programFolder` is empty, which stands for unknown.
 std::string findPiece(const std::string& programFolder, const std::string& inBuildTree,
                       const std::string& inLibraryFolder);
 

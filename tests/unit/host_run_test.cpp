@@ -112,5 +112,12 @@ TEST(Installation, PrefersTheBuildTree)
     std::filesystem::remove_all(root);
 }
 
+TEST(Installation, AProgramThatDoesNotKnowWhereItIsFindsNothing)
+{
+    // The working directory has both, as somebody else may have put them there.
+    ASSERT_TRUE(std::filesystem::exists("."));
+    EXPECT_EQ(findPiece("", ".", "."), "");
+}
+
 } // namespace
 } // namespace kxhost
