@@ -6,6 +6,7 @@
 #include "grab_run.h"
 #include "progress.h"
 #include "services.h"
+#include "standard_output.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -93,15 +94,13 @@ GrabResult collect(const CommandLine& commandLine, const Configuration& configur
 int report(const CommandLine& commandLine, const std::optional<ClockFit>& fit, int exitCode,
            const std::string& reason)
 {
-    if (commandLine.clock.json) {
-        std::fputs(clockJson(fit, exitCode, reason).c_str(), stdout);
-    } else if (fit) {
-        std::fputs(clockText(*fit).c_str(), stdout);
-    }
     if (exitCode != kExitFine) {
         complain(reason);
     }
-    return exitCode;
+    if (commandLine.clock.json) {
+        return printReport(clockJson(fit, exitCode, reason), exitCode);
+    }
+    return fit ? printReport(clockText(*fit), exitCode) : exitCode;
 }
 
 /// What the run and the fit make of it: a grab that failed counts first.
@@ -148,8 +147,8 @@ int commandClock(const CommandLine& asked)
     Configuration configuration;
     if (!configure(commandLine, configuration)) {
         if (commandLine.clock.json) {
-            std::fputs(clockJson({}, kExitConfiguration, "The configuration was refused.").c_str(),
-                       stdout);
+            return printReport(clockJson({}, kExitConfiguration, "The configuration was refused."),
+                               kExitConfiguration);
         }
         return kExitConfiguration; // of which the user was told
     }

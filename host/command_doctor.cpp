@@ -5,8 +5,7 @@
 #include "doctor_limits.h"
 #include "doctor_network.h"
 #include "doctor_report.h"
-
-#include <cstdio>
+#include "standard_output.h"
 
 namespace kxhost {
 namespace {
@@ -47,8 +46,7 @@ int commandDoctor(const CommandLine& commandLine)
     }
     const Checks checks = examine(commandLine, configuration);
     const std::string text = commandLine.doctor.json ? doctorJson(checks) : doctorText(checks);
-    std::fputs(text.c_str(), stdout);
-    return doctorExitCode(checks);
+    return printReport(text, doctorExitCode(checks));
 }
 
 } // namespace kxhost

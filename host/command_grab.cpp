@@ -14,6 +14,7 @@
 #include "run_recorder.h"
 #include "service_status.h"
 #include "services.h"
+#include "standard_output.h"
 
 #include <climits>
 
@@ -21,6 +22,7 @@
 #include <array>
 #include <csignal>
 #include <cstdio>
+#include <filesystem>
 
 #include <unistd.h>
 
@@ -159,6 +161,30 @@ private:
     bool isRefused_ = false;
 };
 
+/// The folder for frames, which shall not stay empty when this grab has made it: one that finds no
+/// camera is started again and again.
+class OutputFolder {
+public:
+    /// REQUIRES: the queue has not started.
+    explicit OutputFolder(std::string path) : path_(std::move(path))
+    {
+        std::error_code ignored;
+        isNew_ = !path_.empty() && !std::filesystem::exists(path_, ignored);
+    }
+    /// REQUIRES: nothing will be written there any more.
+    void removeIfEmpty() const
+    {
+        if (isNew_) {
+            std::error_code notEmpty;
+            std::filesystem::remove(path_, notEmpty);
+        }
+    }
+
+private:
+    std::string path_;
+    bool isNew_ = false;
+};
+
 /// Ends a grab that never began, of which the user was told. There is nothing to count, but who
 /// reads the summary file learns why.
 int giveUp(Outputs& outputs, const NotifySocket& manager, int exitCode, const std::string& reason)
@@ -177,7 +203,7 @@ int report(bool quiet, Outputs& outputs, GrabSummary& summary)
 {
     outputs.write(summary);
     if (!quiet) {
-        std::fputs(summaryText(summary).c_str(), stdout);
+        saved(printReport(summaryText(summary)), summary);
     }
     if (summary.exitCode != kExitFine) {
         complain(summary.reason);
@@ -202,13 +228,16 @@ int grab(const CommandLine& commandLine, const Configuration& configuration, con
     ExportQueue queue(exportSettings(settings));
     outputs.watch(queue);
     page.watch(queue);
+    const OutputFolder folder(settings.outputFolder);
     std::string error = queue.start();
     if (error.empty()) { // the report may go into the folder that was made
         error = outputs.whyNoReport();
     }
     if (!error.empty()) {
         complain(error);
-        return giveUp(outputs, manager, kExitExport, error);
+        const int exitCode = giveUp(outputs, manager, kExitExport, error);
+        folder.removeIfEmpty();
+        return exitCode;
     }
     host.queue = &queue;
     host.plugin = &plugin;
@@ -238,6 +267,7 @@ int grab(const CommandLine& commandLine, const Configuration& configuration, con
     }
     const int exitCode = report(commandLine.quiet, outputs, summary);
     page.end(exitCode, summary.reason);
+    folder.removeIfEmpty();
     if (result.abandoned) {
         // The grab thread may still use all of this.
         std::fflush(nullptr);

@@ -1,8 +1,7 @@
 // kxhost list: the cameras on the buses as a table.
 #include "commands.h"
 #include "inventory_pass.h"
-
-#include <cstdio>
+#include "standard_output.h"
 
 namespace kxhost {
 
@@ -15,8 +14,7 @@ int commandList(const CommandLine& commandLine)
             complain("There is no camera on the buses.");
             return kExitNoCamera;
         }
-        std::fputs(inventoryText(cameras).c_str(), stdout);
-        return kExitFine;
+        return printReport(inventoryText(cameras), kExitFine);
     } catch (const LoadError& error) {
         complain(error.what());
         return error.exitCode();

@@ -2,8 +2,7 @@
 #include "commands.h"
 
 #include "installation.h"
-
-#include <cstdio>
+#include "standard_output.h"
 
 namespace kxhost {
 
@@ -23,31 +22,30 @@ int commandCheck(const CommandLine& commandLine)
     if (!configure(commandLine, configuration)) {
         return kExitConfiguration;
     }
-    std::fputs(describeConfiguration(configuration).c_str(), stdout);
-    return kExitFine;
+    return printReport(describeConfiguration(configuration), kExitFine);
 }
 
 /// The plug-in's version does not depend on the camera library, so any that is there will do. A
 /// computer without any is no mistake of who asks for a version.
 int commandVersion(const CommandLine& commandLine)
 {
-    std::printf("kxhost %s\n", KXHOST_VERSION);
+    const std::string own = "kxhost " KXHOST_VERSION "\n";
     PluginChoice choice = commandLine.plugin;
     const bool anyLibrary = !choice.simulate && choice.cameraLibrary.empty();
     if (anyLibrary) {
         choice.simulate = !findSimulation().empty();
     }
     try {
-        std::printf("plug-in %s\n", Plugin(choice).version());
+        const std::string plugin = Plugin(choice).version();
+        return printReport(own + "plug-in " + plugin + "\n", kExitFine);
     } catch (const LoadError& error) {
         if (anyLibrary && error.exitCode() == kExitNoLibrary) {
-            std::printf("plug-in not loaded, as there is no camera library\n");
-            return kExitFine;
+            return printReport(own + "plug-in not loaded, as there is no camera library\n",
+                               kExitFine);
         }
         complain(error.what());
-        return error.exitCode();
+        return printReport(own, error.exitCode());
     }
-    return kExitFine;
 }
 
 } // namespace kxhost

@@ -12,7 +12,7 @@ enum ExitCode : int {
     kExitConfiguration = 3, ///< the configuration
     kExitNoCamera = 4,      ///< no camera in time
     kExitCamera = 5,        ///< the camera failed, refused its configuration or was lost
-    kExitExport = 6,        ///< frames could not be written
+    kExitExport = 6,        ///< frames, or what is reported, could not be written
     kExitLosses = 7,        ///< more losses than allowed
     kExitPlugin = 8,        ///< the plug-in cannot be loaded
     kExitNoLibrary = 9,     ///< the camera library cannot be loaded

@@ -14,33 +14,9 @@ namespace kxhost {
 
 namespace {
 
-/// "Cannot write <path>: <the system's reason for `code`>."
-std::string cannot(std::string_view what, const std::string& path, int code)
-{
-    return "Cannot " + std::string(what) + " " + path + ": " +
-           std::generic_category().message(code) + ".";
-}
-
 int openForWriting(const std::string& path)
 {
     return ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
-}
-
-/// Writes everything. Returns 0 or the error number.
-int writeAll(int fd, const void* data, std::size_t size)
-{
-    const char* at = static_cast<const char*>(data);
-    while (size > 0) {
-        const ssize_t count = ::write(fd, at, size);
-        if (count < 0 && errno != EINTR) {
-            return errno;
-        }
-        if (count > 0) {
-            at += count;
-            size -= static_cast<std::size_t>(count);
-        }
-    }
-    return 0;
 }
 
 /// "folder/.name.part": hidden, and on the same file system as the file it will become.
@@ -74,6 +50,28 @@ Target targetOf(const std::string& path)
 }
 
 } // namespace
+
+std::string cannot(std::string_view what, const std::string& path, int code)
+{
+    return "Cannot " + std::string(what) + " " + path + ": " +
+           std::generic_category().message(code) + ".";
+}
+
+int writeAll(int fd, const void* data, std::size_t size)
+{
+    const char* at = static_cast<const char*>(data);
+    while (size > 0) {
+        const ssize_t count = ::write(fd, at, size);
+        if (count < 0 && errno != EINTR) {
+            return errno;
+        }
+        if (count > 0) {
+            at += count;
+            size -= static_cast<std::size_t>(count);
+        }
+    }
+    return 0;
+}
 
 std::string writeWholeFile(const std::string& path, std::span<const std::uint8_t> bytes)
 {

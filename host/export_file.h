@@ -25,6 +25,12 @@ std::string whyNotWritable(const std::string& path);
 /// empty text or the reason.
 std::string prepareFolder(const std::string& folder);
 
+/// Writes everything. Returns 0 or the error number.
+int writeAll(int descriptor, const void* data, std::size_t size);
+
+/// "Cannot <what> <path>: <the system's reason for `code`>."
+std::string cannot(std::string_view what, const std::string& path, int code);
+
 /// A text file that only ever holds whole lines. One thread at a time.
 class LineFile {
 public:

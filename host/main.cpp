@@ -1,5 +1,6 @@
 // kxhost: a small host for the camera driver plug-in.
 #include "commands.h"
+#include "standard_output.h"
 
 #include <cstdio>
 #include <exception>
@@ -7,6 +8,7 @@
 int main(int argc, char** argv)
 {
     using namespace kxhost;
+    keepStandardOutput();
     // The plug-in logs through this stream; its lines shall be readable as they come.
     std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);
     try {

@@ -81,6 +81,10 @@ TEST(SessionExit, NoCameraWhenTheBusStaysEmpty)
     expectOneSentence(finished.err, "camera");
     EXPECT_EQ(session.summary()["exit_code"], kNoCamera);
     EXPECT_EQ(session.summary()["retrieved"], 0);
+    EXPECT_FALSE(std::filesystem::exists(session.output())) << "an empty folder for each start";
+    std::filesystem::create_directories(session.output());
+    EXPECT_EQ(session.run().code, kNoCamera);
+    EXPECT_TRUE(std::filesystem::exists(session.output())) << "somebody else's folder";
 }
 
 TEST(SessionExit, NoCameraWhenOnlyOthersAreThere)

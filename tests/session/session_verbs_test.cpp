@@ -84,6 +84,47 @@ TEST(SessionVerbs, HelpTeaches)
     EXPECT_TRUE(holds(run({kxhostPath(), "grab", "--help"}).out, "--summary"));
 }
 
+TEST(SessionVerbs, ATimeThatIsNoneIsNamedAsItWasTyped)
+{
+    for (const char* const option : {"--wait", "--reconnect"}) {
+        for (const char* const typed : {"", ".", "1.2.3", "soon", "3 kg", "-1"}) {
+            const Finished finished = run({kxhostPath(), "check", option, typed});
+            EXPECT_EQ(finished.code, 2) << option << " " << typed;
+            EXPECT_TRUE(holds(finished.err, std::string(option) + ": \"" + typed + "\": expected "))
+                << finished.err;
+        }
+    }
+    EXPECT_EQ(run({kxhostPath(), "check", "--reconnect", "0"}).code, 2);
+    for (const char* const typed : {"0", "5", "0.5", "500 ms"}) {
+        EXPECT_EQ(run({kxhostPath(), "check", "--wait", typed}).code, 0) << typed;
+    }
+    for (const char* const typed : {"no", "forever", "0.1", "2 min"}) {
+        EXPECT_EQ(run({kxhostPath(), "check", "--reconnect", typed}).code, 0) << typed;
+    }
+}
+
+/// Runs kxhost with an output that takes nothing.
+Finished runWithFullOutput(const std::string& arguments)
+{
+    return run({"/bin/sh", "-c", "exec \"$0\" " + arguments + " > /dev/full", kxhostPath()});
+}
+
+TEST(SessionVerbs, AReportThatCannotBePrintedIsNoSuccess)
+{
+    for (const char* const arguments : {"check", "version --simulate", "list --simulate",
+                                        "grab --simulate -n 1 --log-level off"}) {
+        const Finished finished = runWithFullOutput(arguments);
+        EXPECT_EQ(finished.code, 6) << arguments;
+        EXPECT_TRUE(holds(finished.err, "kxhost: Cannot write standard output: No space left on "
+                                        "device.\n"))
+            << finished.err;
+    }
+    const Finished doctor = runWithFullOutput("doctor --simulate");
+    EXPECT_NE(doctor.code, 0);
+    EXPECT_TRUE(holds(doctor.err, "Cannot write standard output")) << doctor.err;
+    EXPECT_EQ(runWithFullOutput("grab --simulate -n 1 --quiet").code, 0) << "there is no report";
+}
+
 TEST(SessionVerbs, CheckPrintsWhatIsInForce)
 {
     const TemporaryFolder folder;
