@@ -1,6 +1,7 @@
 // The command line of kxhost.
 #include "command_line.h"
 
+#include "config_keys.h"
 #include "live_address.h"
 #include "steering_words.h"
 
@@ -45,7 +46,7 @@ SIGUSR2 does so with 12 bits; "kxhost ctl" sends them. The keys of a configurati
 docs/configuration.md.
 
 Exit codes:
-  0  fine                                6  frames could not be written
+  0  fine                                6  frames or a report not written
   1  a defect of kxhost                  7  more losses than grab.max_losses
   2  usage                               8  the plug-in cannot be loaded
   3  configuration                       9  the camera library cannot be loaded
@@ -127,8 +128,8 @@ Examples:
   kxhost doctor --gige --json
       A computer for GigE cameras, told to a program.
 
-Exit codes: 0 nothing has to be mended, 2 usage, 3 configuration, 12 something has to be mended,
-13 something could not be found out, and nothing else is amiss.
+Exit codes: 0 nothing has to be mended, 2 usage, 3 configuration, 6 this could not be printed, 12
+something has to be mended, 13 something could not be found out, and nothing else is amiss.
 )";
 
 /// Options that are another way to set a configuration key.
@@ -163,6 +164,29 @@ std::string inSeconds(const std::string& text)
 {
     const bool bare = text.find_first_not_of("0123456789.") == std::string::npos;
     return bare ? text + " s" : text;
+}
+
+/// Why a key of the section camera does not take this time, as it was typed; empty = it does.
+std::string whyNoTime(const char* key, const std::string& text)
+{
+    const auto& rule = std::get<NumberRule>(findKey("camera", key)->rule);
+    const std::optional<double> seconds = parseQuantity(inSeconds(text), rule.dimension);
+    std::string words;
+    for (const Word& word : rule.words) {
+        if (word.name == text) {
+            return "";
+        }
+        words += ", or " + std::string(word.name);
+    }
+    return seconds && *seconds >= rule.min && *seconds <= rule.max
+               ? ""
+               : "\"" + text + "\": expected seconds, or a time with its unit, of " +
+                     formatQuantity(rule.min, rule.dimension) + " or more" + words;
+}
+
+CLI::Validator takesTime(const char* key)
+{
+    return {[key](const std::string& text) { return whyNoTime(key, text); }, ""};
 }
 
 class Parser {
@@ -213,8 +237,7 @@ private:
         CLI::App* app = addVerb("grab", Verb::kGrab, "Grab frames and write them to disk");
         app->footer(kFooter);
         addConfigurationOptions(app);
-        addShorthand(app, kWait, inSeconds);
-        addShorthand(app, kReconnect, inSeconds);
+        addTimes(app);
         addPluginOptions(app);
         app->add_option("--summary", result_.summaryFile, "Write the summary there as JSON")
             ->type_name("FILE");
@@ -253,8 +276,7 @@ private:
         CLI::App* app =
             addVerb("check", Verb::kCheck, "Check a configuration and print what is in force");
         addConfigurationOptions(app);
-        addShorthand(app, kWait, inSeconds);
-        addShorthand(app, kReconnect, inSeconds);
+        addTimes(app);
     }
 
     void addVersion()
@@ -270,7 +292,7 @@ private:
         app->footer(kClockFooter);
         addConfigurationSource(app);
         addLogOptions(app);
-        addShorthand(app, kWait, inSeconds);
+        addShorthand(app, kWait, inSeconds)->check(takesTime("wait"));
         addPluginOptions(app);
         app->add_option("--seconds", result_.clock.seconds, "How long to look at the camera")
             ->type_name("N")
@@ -343,15 +365,22 @@ private:
         addLogOptions(app);
     }
 
-    void addShorthand(CLI::App* app, const Shorthand& shorthand,
-                      const std::function<std::string(const std::string&)>& value)
+    void addTimes(CLI::App* app)
     {
-        app->add_option_function<std::string>(
-               shorthand.option,
-               [this, key = std::string(shorthand.key), value](const std::string& text) {
-                   shorthands_.push_back(key + "=" + value(text));
-               },
-               shorthand.meaning)
+        addShorthand(app, kWait, inSeconds)->check(takesTime("wait"));
+        addShorthand(app, kReconnect, inSeconds)->check(takesTime("reconnect"));
+    }
+
+    CLI::Option* addShorthand(CLI::App* app, const Shorthand& shorthand,
+                              const std::function<std::string(const std::string&)>& value)
+    {
+        return app
+            ->add_option_function<std::string>(
+                shorthand.option,
+                [this, key = std::string(shorthand.key), value](const std::string& text) {
+                    shorthands_.push_back(key + "=" + value(text));
+                },
+                shorthand.meaning)
             ->type_name(shorthand.placeholder);
     }
 
