@@ -6,6 +6,7 @@
 #include "plugin.h"
 #include "services.h"
 
+#include <cstddef>
 #include <utility>
 
 namespace kxhost {
@@ -19,12 +20,19 @@ void keepEqualTable(Settings& now, Settings& old)
     }
 }
 
-/// A table that is not in force any more keeps its memory for good. A later one must not come to
-/// lie at an address that the plug-in remembers. One that equals the table in force never was.
+/// Tables that were in force and still keep their memory.
+constexpr std::size_t kMostOldTables = 256;
+
+/// A table that is not in force any more keeps its memory for long. A later one must not come to
+/// lie at an address that the plug-in remembers, which is the last that it has loaded: one of the
+/// latest. One that equals the table in force never was.
 void retireTable(HostServices& host, Settings& old)
 {
     const Settings& now = host.settings;
     if (!old.lut.empty() && (old.lut != now.lut || old.lutBits != now.lutBits)) {
+        if (host.oldTables.size() == kMostOldTables) {
+            host.oldTables.erase(host.oldTables.begin());
+        }
         host.oldTables.push_back(std::move(old.lut));
     }
 }

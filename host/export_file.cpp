@@ -19,11 +19,26 @@ int openForWriting(const std::string& path)
     return ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
 }
 
+constexpr std::string_view kTemporaryBegin = ".";
+constexpr std::string_view kTemporaryEnd = ".part";
+
 /// "folder/.name.part": hidden, and on the same file system as the file it will become.
 std::string temporaryName(const std::string& path)
 {
     const std::filesystem::path final(path);
-    return (final.parent_path() / ("." + final.filename().string() + ".part")).string();
+    return (final.parent_path() / std::string(kTemporaryBegin))
+        .concat(final.filename().string())
+        .concat(kTemporaryEnd)
+        .string();
+}
+
+/// The name that a temporary file was to get; empty = it is none.
+std::string finalName(const std::string& temporary)
+{
+    const std::size_t around = kTemporaryBegin.size() + kTemporaryEnd.size();
+    const bool isTemporary = temporary.size() > around && temporary.starts_with(kTemporaryBegin) &&
+                             temporary.ends_with(kTemporaryEnd);
+    return isTemporary ? temporary.substr(kTemporaryBegin.size(), temporary.size() - around) : "";
 }
 
 /// Where the bytes meant for a path go.
@@ -117,6 +132,18 @@ std::string whyNotWritable(const std::string& path)
     ::close(fd);
     ::unlink(temporary.c_str());
     return "";
+}
+
+void removeLeftovers(const std::string& folder,
+                     const std::function<bool(const std::string& name)>& isOurs)
+{
+    std::error_code code;
+    for (const auto& entry : std::filesystem::directory_iterator(folder, code)) {
+        const std::string name = finalName(entry.path().filename().string());
+        if (!name.empty() && isOurs(name)) {
+            ::unlink(entry.path().c_str());
+        }
+    }
 }
 
 std::string prepareFolder(const std::string& folder)

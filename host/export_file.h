@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -20,6 +21,12 @@ std::string writeWholeFile(const std::string& path, std::span<const std::uint8_t
 /// Why `writeWholeFile` could not write there now, one sentence; empty = it could. Leaves nothing
 /// behind.
 std::string whyNotWritable(const std::string& path);
+
+/// Removes what processes that were killed inside of `writeWholeFile` have left in `folder`: the
+/// temporary files for which `isOurs` says yes to the name of the file that they were to become.
+/// One that cannot be removed is left. REQUIRES: nobody else writes such files there.
+void removeLeftovers(const std::string& folder,
+                     const std::function<bool(const std::string& name)>& isOurs);
 
 /// Makes `folder` (and what is above it) and checks that files can be created in it. Returns an
 /// empty text or the reason.

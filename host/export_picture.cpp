@@ -5,14 +5,18 @@
 #include "picture_decode.h"
 #include "picture_encode.h"
 
-#include <cctype>
+#include <algorithm>
+#include <array>
 #include <filesystem>
 #include <span>
+#include <string_view>
 #include <system_error>
 
 namespace kxhost {
 
 namespace {
+
+constexpr std::string_view kConverted = "_converted";
 
 const char* extensionOf(PictureFormat format)
 {
@@ -34,21 +38,35 @@ std::string pathOf(const ExportSettings& settings, const std::string& name)
     return (std::filesystem::path(settings.folder) / name).string();
 }
 
-bool isPictureName(const ExportSettings& settings, const std::string& name)
-{
-    const std::size_t digits = settings.prefix.size();
-    return name.starts_with(settings.prefix) && name.size() > digits &&
-           std::isdigit(static_cast<unsigned char>(name[digits])) != 0;
-}
-
 } // namespace
 
 std::string pictureName(const ExportSettings& settings, std::uint64_t number, Instance instance)
 {
     std::string digits = std::to_string(number);
-    digits.insert(0, digits.size() < 6 ? 6 - digits.size() : 0, '0');
-    return settings.prefix + digits + (instance == Instance::kConverted ? "_converted" : "") +
+    if (digits.size() < settings.digits) {
+        digits.insert(0, settings.digits - digits.size(), '0');
+    }
+    return settings.prefix + digits +
+           (instance == Instance::kConverted ? std::string(kConverted) : "") +
            extensionOf(settings.format);
+}
+
+bool isPictureName(const ExportSettings& settings, const std::string& name)
+{
+    if (!name.starts_with(settings.prefix)) {
+        return false;
+    }
+    const std::string_view rest = std::string_view(name).substr(settings.prefix.size());
+    const std::size_t digits = std::min(rest.find_first_not_of("0123456789"), rest.size());
+    std::string_view end = rest.substr(digits);
+    if (end.starts_with(kConverted)) {
+        end.remove_prefix(kConverted.size());
+    }
+    constexpr std::array kFormats = {PictureFormat::kPng, PictureFormat::kTiff,
+                                     PictureFormat::kRaw};
+    return digits >= kFewestDigits && std::ranges::any_of(kFormats, [end](PictureFormat each) {
+               return end == extensionOf(each);
+           });
 }
 
 std::string findEarlierFile(const ExportSettings& settings)

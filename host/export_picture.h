@@ -17,6 +17,9 @@ namespace kxhost {
 /// "frame_000001.png", "frame_000001_converted.tiff", ...
 std::string pictureName(const ExportSettings& settings, std::uint64_t number, Instance instance);
 
+/// Whether a picture of such a grab has this name, in whatever format.
+bool isPictureName(const ExportSettings& settings, const std::string& name);
+
 /// A file in the folder that a grab with these settings could replace (its name); empty = none.
 std::string findEarlierFile(const ExportSettings& settings);
 

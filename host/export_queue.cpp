@@ -141,6 +141,8 @@ std::string ExportQueue::Impl::start()
             return "The folder " + settings_.folder + " holds frames of an earlier grab (" +
                    earlier + "): name another folder, or allow to overwrite them.";
         }
+        removeLeftovers(settings_.folder,
+                        [this](const std::string& name) { return isPictureName(settings_, name); });
         if (settings_.metadata) {
             metadata_.open((std::filesystem::path(settings_.folder) / kMetadataName).string());
         }

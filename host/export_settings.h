@@ -26,9 +26,13 @@ enum class BayerPicture {
     kMosaic, ///< a grey picture of the mosaic, pixel by pixel as the sensor saw it
 };
 
+/// Digits of the number in a picture's name, in a grab of few frames.
+inline constexpr std::size_t kFewestDigits = 6;
+
 struct ExportSettings {
     std::string folder;            ///< created when it is missing; empty = nothing goes to disk
     std::string prefix = "frame_"; ///< without slashes; file names: prefix, number, extension
+    std::size_t digits = kFewestDigits; ///< of the numbers in file names, filled up with zeros
     PictureFormat format = PictureFormat::kPng;
     BayerPicture bayer = BayerPicture::kColour;
     int compression = 1;         ///< PNG only: 0 (none, fastest) to 9 (smallest)

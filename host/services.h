@@ -64,7 +64,7 @@ struct HostServices {
     ConfigHistory history;            ///< the configurations of this grab, by number
     std::unique_ptr<Settings> before; ///< what a reload has replaced, while there is a way back
     std::vector<KeyValue> wayBack;    ///< how `before` differs
-    std::vector<std::vector<std::uint16_t>> oldTables; ///< look-up tables that were in force
+    std::vector<std::vector<std::uint16_t>> oldTables; ///< look-up tables, lately in force
     std::optional<std::int32_t> formatBeforePass;      ///< pixel format, while a pass has its own
     bool startAgain = false;              ///< the plug-in ended its session for a new configuration
     std::uint32_t distributionBits = 8;   ///< of the distribution that was added up last

@@ -60,7 +60,7 @@ FrameClock::Start FrameClock::start(const FrameTiming& timing, const FrameTimes&
 }
 
 FrameClock::Arrival FrameClock::arrive(const FrameTiming& timing, const FrameTimes& frame,
-                                       std::uint32_t captured)
+                                       std::uint64_t captured)
 {
     Arrival arrival;
     const std::uint64_t hostStartUs = hostStart(timing, frame);

@@ -73,7 +73,7 @@ public:
 
     /// Each later frame before its export: camera clock wrap, interval, anchor. `captured` counts
     /// the retrieved frames, this one included.
-    Arrival arrive(const FrameTiming& timing, const FrameTimes& frame, std::uint32_t captured);
+    Arrival arrive(const FrameTiming& timing, const FrameTimes& frame, std::uint64_t captured);
 
     /// Each later frame after its export, first the pace watch and then the prediction of the next
     /// frame's time stamp.

@@ -129,6 +129,8 @@ private:
     void announceNext(const FrameTiming& timing) const;
     float temperature();
     FrameTiming timing() const;
+    /// What the messages show of the count.
+    std::uint32_t captured() const { return static_cast<std::uint32_t>(captured_); }
 
     CCamProc& proc_;
     CExCam& cam_;
@@ -137,7 +139,7 @@ private:
     const std::uint32_t statusEvery_;
     std::uint32_t grabStartUs_ = 0; ///< lower 32 bits
     std::uint32_t loops_ = 0;
-    std::uint32_t captured_ = 0;
+    std::uint64_t captured_ = 0; ///< in a year more than 32 bits count, and the first is special
     std::uint32_t dropCntr_ = 0;
 };
 
@@ -191,7 +193,7 @@ int GrabLoop::finish(int exitCode)
         KxGi__SetNewCfgVendor();
         KxGi__SetNewCfgPlugin();
     }
-    KX_LOG_I("...GRABBING IS DONE (captured %u frames of %u loops)\n", captured_, loops_);
+    KX_LOG_I("...GRABBING IS DONE (captured %u frames of %u loops)\n", captured(), loops_);
     if (exitCode == 0) {
         proc_.ProcSetCamConfigEnd(&cam_);
     }
@@ -244,7 +246,7 @@ bool GrabLoop::isStalled(const Error& error)
     static std::uint32_t _s_loopsLast = 0;
     static std::uint32_t _s_dropCntrLast = 0;
     constexpr std::uint32_t kJudgeEvery = 5000;
-    KX_LOG_W_AS(kCaller, "Frames Drop trigger: Loop_%u(ok_%u dropCntr_%u)\n", loops_, captured_,
+    KX_LOG_W_AS(kCaller, "Frames Drop trigger: Loop_%u(ok_%u dropCntr_%u)\n", loops_, captured(),
                 dropCntr_);
     if (dropCntr_ % kJudgeEvery == 0) {
         KX_LOG_W_AS(kCaller, "error description: %s\n", error.GetDescription());
@@ -279,7 +281,7 @@ GrabLoop::Exit GrabLoop::delivered(Image& image, std::uint32_t clockValue)
     }
     ++captured_;
     proc_.frameData = image.GetData();
-    static_cast<void>(proc_.ProcSignalUsr(captured_));
+    static_cast<void>(proc_.ProcSignalUsr(captured()));
     proc_.ProcDynamLut(&cam_);
     FrameTimes frame;
     frame.nowUs = microseconds(_S_gtvr2);
@@ -291,7 +293,7 @@ GrabLoop::Exit GrabLoop::delivered(Image& image, std::uint32_t clockValue)
     }
 
     bool stop = false;
-    const int result = proc_.ProcSignal(&cam_, captured_, &stop);
+    const int result = proc_.ProcSignal(&cam_, captured(), &stop);
     takeTime(_S_gtv2);
     const std::uint32_t totalUs = difference(_S_gtv2, _S_gtvr2);
     if (totalUs >= proc_.framePeriodUs) {
@@ -339,7 +341,7 @@ void GrabLoop::exportFrame(Image& image, const FrameTiming& timing, const FrameT
     takeTime(_S_gtv2);
     const std::uint32_t sceneUs = difference(_S_gtv2, _S_gtvr2);
     if (sceneUs >= proc_.framePeriodUs) {
-        KX_LOG_I("Loop_%u(%u): Scene %llu export time budget is over (%uus >= %uus)\n", captured_,
+        KX_LOG_I("Loop_%u(%u): Scene %llu export time budget is over (%uus >= %uus)\n", captured(),
                  loops_, static_cast<unsigned long long>(clock_.frameTs), sceneUs,
                  proc_.framePeriodUs);
     }
@@ -350,13 +352,13 @@ void GrabLoop::exportFrame(Image& image, const FrameTiming& timing, const FrameT
 void GrabLoop::reportNewTiming(const FrameClock::Arrival& arrival, const FrameTimes& frame) const
 {
     if (arrival.wrapped) {
-        KX_LOG_I("Loop_%u(%u): bTS wrap is detected: old %lluus, new %lluus\n", captured_, loops_,
+        KX_LOG_I("Loop_%u(%u): bTS wrap is detected: old %lluus, new %lluus\n", captured(), loops_,
                  static_cast<unsigned long long>(arrival.oldBtsUs),
                  static_cast<unsigned long long>(frame.btsFStartUs));
     }
     if (arrival.anchored) {
         KX_LOG_I("Loop_%u(%u): init TS trigger oldD=%llu, newD=%llu, oldFTS=%llu, newFTS=%llu\n",
-                 captured_, loops_, static_cast<unsigned long long>(arrival.oldDiffUs),
+                 captured(), loops_, static_cast<unsigned long long>(arrival.oldDiffUs),
                  static_cast<unsigned long long>(clock_.tsDiffAdjUs),
                  static_cast<unsigned long long>(arrival.oldFrameTs),
                  static_cast<unsigned long long>(clock_.frameTs));
@@ -375,7 +377,7 @@ int GrabLoop::store(Image& image)
     _S_arProfWrite.add(storeUs);
     if (storeUs >= proc_.framePeriodUs) {
         KX_LOG_W_AS(kCaller, "Loop_%u(%u): Frame %llu export time budget is over (%uus >= %uus)\n",
-                    captured_, loops_, static_cast<unsigned long long>(clock_.frameTs), storeUs,
+                    captured(), loops_, static_cast<unsigned long long>(clock_.frameTs), storeUs,
                     proc_.framePeriodUs);
     }
     return stored;
@@ -425,20 +427,20 @@ void GrabLoop::watchPace(const FrameTiming& timing, const FrameTimes& frame)
 {
     const FrameClock::Pace pace = clock_.watchPace(timing, frame);
     if (pace.fast.fired) {
-        KX_LOG_I("Loop_%u(%u): cam is Fast (%uus < %uus), TS readjusting...\n", captured_, loops_,
+        KX_LOG_I("Loop_%u(%u): cam is Fast (%uus < %uus), TS readjusting...\n", captured(), loops_,
                  static_cast<unsigned int>(pace.fast.delayUs),
                  static_cast<unsigned int>(pace.fast.limitUs));
     }
     if (pace.slow.fired) {
         KX_LOG_I("Loop_%u(%u): cam is Slow or frames delaying (%u >= %u), TS readjusting...\n",
-                 captured_, loops_, static_cast<unsigned int>(pace.slow.delayUs),
+                 captured(), loops_, static_cast<unsigned int>(pace.slow.delayUs),
                  static_cast<unsigned int>(pace.slow.limitUs));
     }
     if (pace.extraSlow.fired) {
         KX_LOG_W_AS(kCaller,
                     "Loop_%u(%u): cam is extra-Slow or frames delay (%u >= %u), "
                     "TS readjusting...\n",
-                    captured_, loops_, static_cast<unsigned int>(pace.extraSlow.delayUs),
+                    captured(), loops_, static_cast<unsigned int>(pace.extraSlow.delayUs),
                     static_cast<unsigned int>(pace.extraSlow.limitUs));
     }
 }
@@ -447,7 +449,7 @@ void GrabLoop::predict(const FrameTiming& timing, const FrameTimes& frame)
 {
     const FrameClock::Prediction prediction = clock_.predict(timing, frame);
     if (prediction.overflow) {
-        KX_LOG_I("Loop_%u(%u): sync adjust us value %i overflow protection trigger\n", captured_,
+        KX_LOG_I("Loop_%u(%u): sync adjust us value %i overflow protection trigger\n", captured(),
                  loops_, prediction.adjUs);
     }
     announceNext(timing);

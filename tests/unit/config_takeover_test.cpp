@@ -287,6 +287,24 @@ TEST_F(ConfigTakeover, AnEqualTableKeepsItsAddress)
     EXPECT_NE(KxGiMainCtx__GetLutDataU16(), first) << "its values mean something else";
 }
 
+TEST_F(ConfigTakeover, OldTablesAreKeptForLongButNotForGood)
+{
+    constexpr std::size_t kKept = 256;
+    settings() = withTable(1);
+    const std::uint16_t* const first = KxGiMainCtx__GetLutDataU16();
+    for (std::size_t i = 0; i < kKept; ++i) {
+        offerLive(withTable(i % 2 == 0 ? 2 : 1));
+        ASSERT_NE(KxGi__CheckDynConfig(), 0);
+    }
+    ASSERT_EQ(host().oldTables.size(), kKept);
+    EXPECT_EQ(host().oldTables.front().data(), first);
+    const std::uint16_t* const second = host().oldTables[1].data();
+    offerLive(withTable(2));
+    ASSERT_NE(KxGi__CheckDynConfig(), 0);
+    EXPECT_EQ(host().oldTables.size(), kKept);
+    EXPECT_EQ(host().oldTables.front().data(), second);
+}
+
 TEST_F(ConfigTakeover, AReloadedTableKeepsTheOldOneAliveToo)
 {
     settings() = withTable(1);

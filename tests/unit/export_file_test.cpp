@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <csignal>
 #include <filesystem>
@@ -105,6 +106,34 @@ TEST(ExportFile, LeavesNothingBehindWhenTheDiskIsFull)
     EXPECT_EQ(kxhost::writeWholeFile(path, std::vector<std::uint8_t>(1000, 1)),
               "Cannot write " + path + ": File too large.");
     EXPECT_EQ(folder.names(), Names{});
+}
+
+TEST(ExportFile, RemovesWhatAKilledProcessHasLeft)
+{
+    const TemporaryFolder folder;
+    for (const char* name : {".a.png.part", ".b.png.part", "a.png", "a.png.part", ".a.png", ".part",
+                             "..part", ".a.part.old"}) {
+        kxtest::writeText(folder.file(name), "half");
+    }
+    Names asked;
+    kxhost::removeLeftovers(folder.path().string(), [&](const std::string& name) {
+        asked.push_back(name);
+        return name == "a.png";
+    });
+    std::sort(asked.begin(), asked.end());
+    EXPECT_EQ(asked, (Names{"a.png", "b.png"}));
+    EXPECT_EQ(folder.names(), (Names{"..part", ".a.part.old", ".a.png", ".b.png.part", ".part",
+                                     "a.png", "a.png.part"}));
+    kxhost::removeLeftovers(folder.file("missing"), [](const std::string&) { return true; });
+}
+
+/// What a kill inside of `writeWholeFile` leaves is what `removeLeftovers` takes for such.
+TEST(ExportFile, TheTemporaryNameIsTheOneThatIsRemoved)
+{
+    const TemporaryFolder folder;
+    std::filesystem::create_directory(folder.file(".a.png.part")); // so it cannot be opened
+    EXPECT_EQ(kxhost::writeWholeFile(folder.file("a.png"), {}),
+              "Cannot write " + folder.file("a.png") + ": Is a directory.");
 }
 
 TEST(ExportFile, NamesTheFileThatItCannotWrite)

@@ -1,6 +1,7 @@
 // Tests of the pictures in the export folder: names, formats, files of an earlier grab.
 #include "export_picture.h"
 #include "read_picture.h"
+#include "settings.h"
 #include "temporary_folder.h"
 
 #include <gtest/gtest.h>
@@ -37,6 +38,39 @@ TEST(ExportPicture, NamesCountWithSixDigits)
     settings.prefix = "left-";
     settings.format = PictureFormat::kRaw;
     EXPECT_EQ(kxhost::pictureName(settings, 1234567, Instance::kRaw), "left-1234567.raw");
+}
+
+TEST(ExportPicture, NamesSortForAYearAtHundredsOfFramesASecond)
+{
+    kxhost::Settings configured;
+    configured.outputFormat = static_cast<int>(PictureFormat::kPng);
+    const auto name = [&](std::uint32_t frames, std::uint64_t number) {
+        configured.frames = frames;
+        return kxhost::pictureName(kxhost::exportSettings(configured), number, Instance::kRaw);
+    };
+    EXPECT_EQ(name(0, 1), "frame_00000000001.png");
+    EXPECT_EQ(name(0, 999'999), "frame_00000999999.png");
+    EXPECT_EQ(name(0, 1'000'000), "frame_00001000000.png");
+    constexpr std::uint64_t kYear = 500ULL * 365 * 24 * 3600;
+    EXPECT_LT(name(0, kYear - 1), name(0, kYear));
+    EXPECT_LT(name(0, 9'999'999'999), name(0, kYear));
+    EXPECT_EQ(name(999'999, 1), "frame_000001.png");
+    EXPECT_EQ(name(1'000'000, 1), "frame_0000001.png");
+    EXPECT_EQ(name(4'294'967'293, 1), "frame_0000000001.png");
+}
+
+TEST(ExportPicture, KnowsItsOwnNames)
+{
+    const ExportSettings settings;
+    for (const char* name : {"frame_000001.png", "frame_12345678901.raw", "frame_000001.tiff",
+                             "frame_000001_converted.png"}) {
+        EXPECT_TRUE(kxhost::isPictureName(settings, name)) << name;
+    }
+    for (const char* name : {"frame_00001.png", "frame_000001", "frame_000001.jpg", "frame_.png",
+                             "left_000001.png", "frame_000001x.png", "frame_000001_conv.png",
+                             "frame_000001.png.bak", "frames.ndjson", ""}) {
+        EXPECT_FALSE(kxhost::isPictureName(settings, name)) << name;
+    }
 }
 
 TEST(ExportPicture, PngHoldsThePixels)

@@ -244,6 +244,26 @@ TEST(ExportQueue, AnUnknownCodecIsAnExportError)
     EXPECT_EQ(queue.firstError(), "Frames of the codec \"FOO\" cannot be written.");
 }
 
+TEST(ExportQueue, WhatAKilledGrabHasLeftOfAPictureIsRemoved)
+{
+    const TemporaryFolder folder;
+    kxtest::writeText(folder.file(".frame_000001.raw.part"), "half");
+    kxtest::writeText(folder.file(".other_000001.raw.part"), "of another grab");
+    kxtest::writeText(folder.file(".notes.part"), "of somebody else");
+    ExportQueue queue(settingsFor(folder));
+    ASSERT_EQ(queue.start(), "");
+    EXPECT_EQ(folder.names(), (std::vector<std::string>{".notes.part", ".other_000001.raw.part"}));
+}
+
+TEST(ExportQueue, AGrabThatMayNotStartRemovesNothing)
+{
+    const TemporaryFolder folder;
+    kxtest::writeText(folder.file("frame_000001.raw"), "old");
+    kxtest::writeText(folder.file(".frame_000002.raw.part"), "of a grab that may run");
+    EXPECT_NE(ExportQueue(settingsFor(folder)).start(), "");
+    EXPECT_EQ(folder.names().size(), 2U);
+}
+
 TEST(ExportQueue, FramesOfAnEarlierGrabAreNotReplacedUnasked)
 {
     const TemporaryFolder folder;

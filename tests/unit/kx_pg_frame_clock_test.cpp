@@ -161,6 +161,15 @@ TEST(FrameClockArrive, TheSecondFrameIsTheAnchorOfTheCamerasTime)
     EXPECT_EQ(clock.tsDiffAdjUs, hostStart - frame.btsFStartUs);
 }
 
+TEST(FrameClockArrive, NoLaterFrameIsTakenForTheSecondOne)
+{
+    FrameClock clock = startedClock(timing(1));
+    clock.frameTs = kNow;
+    constexpr std::uint64_t kAfterAHundredDays = (1ULL << 32U) + 2;
+    EXPECT_FALSE(
+        clock.arrive(timing(1), {kNow + kPeriod, 10'033'333}, kAfterAHundredDays).anchored);
+}
+
 TEST(FrameClockArrive, APredictionThatIsNotBeforeTheArrivalIsReplaced)
 {
     FrameClock clock = startedClock(timing(1));
