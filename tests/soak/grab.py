@@ -75,17 +75,17 @@ class Grab:
         return subprocess.run([self.kxhost, "ctl", str(self.process.pid), word],
                               stdin=subprocess.DEVNULL, check=False).returncode
 
-    def wait(self, seconds):
-        """Exit code, negative after a signal; raises subprocess.TimeoutExpired."""
-        return self.process.wait(seconds)
-
-    def finish(self, seconds=60):
-        """Asks for the end and returns the exit code; None = it did not end."""
-        self.signal(signal.SIGTERM)
+    def wait(self, seconds=60):
+        """Exit code, negative after a signal; None = it has not ended in time."""
         try:
-            return self.wait(seconds)
+            return self.process.wait(seconds)
         except subprocess.TimeoutExpired:
             return None
+
+    def finish(self):
+        """Asks for the end and returns the exit code as `wait` does."""
+        self.signal(signal.SIGTERM)
+        return self.wait()
 
     def wait_for_frames(self, count=1, seconds=60):
         """Whether so many are complete in time."""

@@ -18,7 +18,7 @@ def grabbed(folder, picture_format):
     """Path of the second picture of a grab."""
     with grab.Grab(KXHOST, folder, grab.bus(48, 18, 200, paced=False), "",
                    [f"output.format={picture_format}", "grab.frames=2"]) as running:
-        assert running.wait(60) == 0, running.messages()
+        assert running.wait() == 0, running.messages()
         return os.path.join(running.output, f"frame_000002.{picture_format}")
 
 

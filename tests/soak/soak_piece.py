@@ -58,7 +58,8 @@ def run(kxhost, folder, seed, seconds):
                    ["output.format=raw", "log.level=error"]) as running:
         followed = records.Records(running.output, tidy=True)
         tormentor = storm.Storm(running, chance)
-        running.wait_for_frames()  # until then signals end the process
+        if not running.wait_for_frames():  # until then a signal ends the process
+            return {}, [f"no frame comes: {running.messages()}"]
         samples = _torment(running, tormentor, followed, seconds)
         found = [] if running.runs() else ["the grab has ended by itself"]
         code = running.finish()
