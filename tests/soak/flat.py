@@ -17,7 +17,7 @@ def growth(samples, warm_up=0.25):
 
 
 def complaints(name, samples, allowed):
-    """What is wrong with a series of a quantity that may grow by `allowed` at most; [] = nothing."""
+    """What is wrong with a series that may grow by `allowed` at most; [] = nothing."""
     if len(samples) < FEWEST:
         return [f"{name}: only {len(samples)} samples, nothing can be said"]
     grown = growth(samples)

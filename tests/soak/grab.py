@@ -1,4 +1,4 @@
-"""One grab of kxhost with a simulated camera, as a process that is steered and looked at from outside."""
+"""One grab of kxhost with a simulated camera, as a process, steered and looked at from outside."""
 
 import json
 import os

@@ -47,7 +47,7 @@ def _is_complete(ledger):
 
 
 def _partition(ledger, values):
-    """Every value of every stretch is a frame's or lies in one range of losses, and none is both."""
+    """Every value of every stretch is a frame's or lies in a range of losses, none is both."""
     accounted = set()
     found = []
     for value in values:

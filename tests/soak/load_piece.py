@@ -44,7 +44,7 @@ def _figures(case, summary, share):
 
 
 def run(kxhost, folder, case, seconds):
-    """Returns figures and complaints. Frames may be lost on a busy machine, but not without cause."""
+    """Returns figures and complaints. A busy machine may lose frames, but not without cause."""
     _, width, height, rate, queue = case
     # What the camera sees costs the camera's processor, not the computer's: nothing is drawn.
     description = grab.bus(width, height, rate, scene=False)

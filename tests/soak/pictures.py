@@ -74,7 +74,7 @@ CHECKS = {".png": check_png, ".tiff": check_tiff}
 
 
 def complaints(path, raw_bytes=None):
-    """What is wrong with a picture file; [] = nothing. `raw_bytes`: how long a raw one has to be."""
+    """What is wrong with a picture file; [] = nothing. `raw_bytes`: length of a raw one."""
     try:
         with open(path, "rb") as file:
             data = file.read()

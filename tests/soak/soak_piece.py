@@ -1,4 +1,4 @@
-"""The soak: a grab of a faulty camera that is tormented for a long time, and must stay as it was."""
+"""The soak: a grab of a faulty camera is tormented for a long time, and must stay as it was."""
 
 import random
 import time

@@ -12,8 +12,8 @@ FRAME_FAULTS = ["lose", "error", "corrupt"]
 # of every frame.
 SET_UP_CALLS = ["SetFormat7Configuration", "SetUserBuffers", "StartCapture", "SetConfiguration",
                 "SetEmbeddedImageInfo"]
-PARAMETER_CALLS = ["SetProperty", "GetPropertyInfo", "SetLUTChannel", "EnableLUT", "SetActiveLUTBank",
-                   "GetLUTInfo", "WriteRegister", "StopCapture", "SetStrobe"]
+PARAMETER_CALLS = ["SetProperty", "GetPropertyInfo", "SetLUTChannel", "EnableLUT",
+                   "SetActiveLUTBank", "GetLUTInfo", "WriteRegister", "StopCapture", "SetStrobe"]
 FRAME_CALLS = ["GetProperty", "ReadRegister", "GetStats", "RetrieveBuffer"]
 
 BOX = "[[camera.io_box]]\nlistens_on = 0\nanswers_on = 1\n"
