@@ -1,10 +1,13 @@
 """Load: fast frames and large frames, written as raw files that a consumer takes away."""
 
+import shutil
 import time
 
 import grab
 import ledger
 import records
+
+LEAST_FREE = 2 << 30  # bytes
 
 # Name, width, height, frames a second, frames that may wait for a writer. 30 large frames a second
 # take 97 % of what the bus of a USB 3 camera brings.
@@ -16,12 +19,20 @@ def _settings(queue):
             "log.level=error"]
 
 
+def _has_room(folder):
+    """Whether the consumer keeps up; frames go to memory that others need too."""
+    return shutil.disk_usage(folder).free > LEAST_FREE
+
+
 def _measure(running, followed, seconds):
     """Share of one processor while it grabs."""
     start, used = time.monotonic(), running.cpu_seconds()
     while running.runs() and time.monotonic() < start + seconds:
-        followed.follow()
-        time.sleep(0.02)
+        if not followed.follow():
+            time.sleep(0.02)
+        if not _has_room(running.folder):
+            followed.complain("the consumer of the pictures does not keep up")
+            break
     if not running.runs():
         return None
     return (running.cpu_seconds() - used) / (time.monotonic() - start)

@@ -76,14 +76,14 @@ CHECKS = {".png": check_png, ".tiff": check_tiff}
 def complaints(path, raw_bytes=None):
     """What is wrong with a picture file; [] = nothing. `raw_bytes`: length of a raw one."""
     try:
-        with open(path, "rb") as file:
-            data = file.read()
         extension = os.path.splitext(path)[1]
         if extension == ".raw":
-            if raw_bytes is not None and len(data) != raw_bytes:
-                raise ValueError(f"has {len(data)} bytes instead of {raw_bytes}")
+            size = os.path.getsize(path)
+            if raw_bytes is not None and size != raw_bytes:
+                raise ValueError(f"has {size} bytes instead of {raw_bytes}")
         elif extension in CHECKS:
-            CHECKS[extension](data)
+            with open(path, "rb") as file:
+                CHECKS[extension](file.read())
         else:
             raise ValueError("is no picture")
     except (OSError, KeyError, ValueError, struct.error, zlib.error) as error:

@@ -6,6 +6,8 @@ import os
 import pictures
 
 MOST_COMPLAINTS = 20
+# Taken at a time, so that who follows a fast grab gets to do something else.
+MOST_LINES = 1000
 
 
 class Records:
@@ -34,19 +36,23 @@ class Records:
             about.append(text)
 
     def follow(self):
-        """Takes the lines that were completed since the last call."""
+        """Takes lines that were completed since the last call; returns whether there may be more."""
         try:
             with open(os.path.join(self.folder, "frames.ndjson"), "rb") as file:
                 file.seek(self._read)
-                while (line := file.readline()).endswith(b"\n"):
+                for _ in range(MOST_LINES):
+                    if not (line := file.readline()).endswith(b"\n"):
+                        return False
                     self._read += len(line)
                     self.take(line)
+                return True
         except FileNotFoundError:
-            pass
+            return False
 
     def end(self):
         """Takes what is left; a line that was cut is a complaint."""
-        self.follow()
+        while self.follow():
+            pass
         path = os.path.join(self.folder, "frames.ndjson")
         if os.path.exists(path) and os.path.getsize(path) != self._read:
             self.complain("the last line of frames.ndjson is cut")

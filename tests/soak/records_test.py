@@ -63,6 +63,16 @@ class RecordsTest(unittest.TestCase):
         found.follow()
         self.assertEqual((found.count, found.complaints), (2, []))
 
+    def test_a_fast_grab_is_followed_in_portions(self):
+        lines = [line(number) for number in range(1, records.MOST_LINES + 2)]
+        with open(os.path.join(self.folder, "frames.ndjson"), "w", encoding="ascii") as file:
+            file.write("".join(lines))
+        found = records.Records(self.folder)
+        self.assertTrue(found.follow())
+        self.assertEqual(found.count, records.MOST_LINES)
+        self.assertFalse(found.follow())
+        self.assertEqual((found.count, found.complaints), (records.MOST_LINES + 1, []))
+
     def test_a_picture_that_is_cut_or_missing_is_found(self):
         picture = {"file": "a.raw", "bytes": 3}
         self.assertEqual(len(self.judge(line(1, pictures=[picture])).complaints), 1)
