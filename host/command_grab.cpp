@@ -220,6 +220,14 @@ LiveFacts liveFacts(const CommandLine& commandLine, const Settings& settings)
             .process = getpid()};
 }
 
+/// A frame that is handed over shows the error at once; while the camera is away there is none.
+void endAfterExportError(const ExportQueue& queue, PendingSignals& signals)
+{
+    if (!queue.firstError().empty()) {
+        signals.post(kFinishTerminate);
+    }
+}
+
 int grab(const CommandLine& commandLine, const Configuration& configuration, const Plugin& plugin,
          const NotifySocket& manager, Outputs& outputs, GrabPage& page)
 {
@@ -252,6 +260,7 @@ int grab(const CommandLine& commandLine, const Configuration& configuration, con
         const bool watch = settings.watchConfiguration && !commandLine.configuration.empty();
         const int tickMs = page.tickMs(std::min(progress.tickMs(), status.tickMs()));
         result = runGrab(plugin, follower, watch, tickMs, [&] {
+            endAfterExportError(queue, host.signals);
             const ExportTotals exported = queue.totals();
             progress.show(exported);
             status.update(exported, steadyUs());

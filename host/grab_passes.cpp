@@ -4,6 +4,7 @@
 #include "camera_absence.h"
 #include "config_takeover.h"
 #include "inventory_pass.h"
+#include "notice.h"
 #include "quantity.h"
 #include "reconnection.h"
 #include "services.h"
@@ -115,6 +116,9 @@ private:
         const int code = runPlugin();
         endWidePass(host_);
         return code;
+        if (host_.choice && host_.choice->model == kNoSuchModel) {
+            host_.choice.reset(); // it is the name of none
+        }
     }
 
     /// Outside of its loop the plug-in lets the camera library's exceptions pass. Once frames have
@@ -141,7 +145,8 @@ private:
     }
 
     /// A camera that is lost is waited for, and no other one is to be taken instead. So it must be
-    /// known which one it is. Until frames have come, any that is configured will do.
+    /// known which one it is: while none tells who it is, none is taken. Until frames have come,
+    /// any that is configured will do.
     void identify()
     {
         host_.choice.reset();
@@ -150,9 +155,13 @@ private:
             return;
         }
         try {
-            host_.choice = narrowed(choice, takeInventory(plugin_));
-        } catch (const std::system_error&) {
-            // The grab is worth more than the knowledge.
+            host_.choice = narrowed(choice, takeInventory(plugin_))
+                               .value_or(CameraChoice{kNoSuchModel, "", 0});
+        } catch (const std::system_error& error) {
+            // The grab is worth more than the knowledge, but what is unknown cannot be waited for.
+            reconnection_ = Reconnection(0);
+            complain(std::string(error.what()) +
+                     ": a camera that is lost will not be waited for; camera.serial names one.");
         }
     }
 

@@ -20,6 +20,7 @@ Reconnection::Verdict Reconnection::passEnded(PassEnd end, std::uint64_t lastFra
 {
     if (lastFrameUs != lastFrameUs_) {
         lastFrameUs_ = lastFrameUs;
+        lostUs_ = nowUs;
         refusals_ = 0;
     }
     if (!isOn() || lastFrameUs == 0 || end == PassEnd::kDone) {
@@ -38,14 +39,14 @@ std::chrono::milliseconds Reconnection::pause(std::uint64_t nowUs) const
         return kLookAgain;
     }
     const auto limitUs = static_cast<std::int64_t>(seconds_ * kUsPerSecond);
-    const auto awayUs = static_cast<std::int64_t>(nowUs - lastFrameUs_);
+    const auto awayUs = static_cast<std::int64_t>(nowUs - lostUs_);
     const std::chrono::microseconds left(std::max<std::int64_t>(0, limitUs - awayUs));
     return std::min(kLookAgain, std::chrono::ceil<std::chrono::milliseconds>(left));
 }
 
 double Reconnection::secondsAway(std::uint64_t nowUs) const
 {
-    return static_cast<double>(nowUs - lastFrameUs_) / kUsPerSecond;
+    return static_cast<double>(nowUs - lostUs_) / kUsPerSecond;
 }
 
 } // namespace kxhost

@@ -15,8 +15,9 @@ enum class PassEnd {
     kBroken,  ///< it was there
 };
 
-/// What is decided. A camera counts as lost from its last frame until its next one. Times are
-/// microseconds of a clock that never steps. Not thread-safe.
+/// What is decided. A camera counts as lost from when that shows, which may be long behind its last
+/// frame, until its next one; so it is looked for at least once. Times are microseconds of a clock
+/// that never steps. Not thread-safe.
 class Reconnection {
 public:
     enum class Verdict {
@@ -41,7 +42,8 @@ private:
 
     double seconds_;
     std::uint64_t lastFrameUs_ = 0;
-    unsigned refusals_ = 0; ///< in a row
+    std::uint64_t lostUs_ = 0; ///< when the loss behind that frame showed
+    unsigned refusals_ = 0;    ///< in a row
 };
 
 } // namespace kxhost

@@ -218,6 +218,22 @@ TEST(SessionReconnect, GivesUpWhenFramesAreOthersThanBefore)
     expectBalance(session);
 }
 
+/// Behind the frame that does not fit on the disk nothing is handed over any more.
+TEST(SessionReconnect, AFullDiskEndsAGrabWhoseCameraIsAway)
+{
+    GrabSession session;
+    session.bus =
+        busWith(TestSensor(), "[[camera.fault]]\nkind = \"detach\"\nframe = 2\ncount = 1000\n");
+    session.settings = {"grab.frames=100", "output.format=raw"};
+    session.filesMayGrowTo = 2000; // a picture has 3072 bytes
+    const Finished finished = session.run();
+    constexpr int kExport = 6;
+    EXPECT_EQ(finished.code, kExport) << finished.err;
+    EXPECT_EQ(countOf(" is lost: ", finished.err), 1U) << finished.err;
+    EXPECT_EQ(countOf("File too large", finished.err), 1U) << finished.err;
+    EXPECT_TRUE(session.frames().empty());
+}
+
 /// Choices of a camera that both on the bus fit.
 class OtherCamera : public testing::TestWithParam<std::string> {};
 
@@ -241,12 +257,32 @@ INSTANTIATE_TEST_SUITE_P(SessionReconnect, OtherCamera,
                          testing::Values("camera.model=Tester", "camera.bus_mask=3",
                                          "camera.serial=0x67932"));
 
+/// Two cameras that do not tell at first who they are. The first one is unplugged for good.
+TEST(SessionReconnect, NoCameraIsTakenBeforeItIsKnownWhichOneItIs)
+{
+    const std::string silent = "[[camera.call_fault]]\noperation = \"GetCameraInfo\"\n";
+    GrabSession session;
+    std::string other = busWith(TestSensor(), silent);
+    other.replace(other.find("424242"), 6, "424243");
+    session.bus = busWith(TestSensor(), silent + kUnpluggedForGood) + other;
+    session.settings = {"grab.frames=40", "log.level=info", "camera.model=Tester"};
+    session.arguments = {"--reconnect", "0.7"};
+    const Finished finished = session.run();
+    EXPECT_EQ(finished.code, kCamera) << finished.err;
+    EXPECT_EQ(countOf("Camera 424242 was lost and did not come back", finished.err), 1U)
+        << finished.err;
+    EXPECT_EQ(countOf("Using device Model:Tester TST-1 Serial:424242\n", finished.out), 1U);
+    EXPECT_EQ(countOf("Using device Model:", finished.out), 1U);
+    expectFrames(session, 19, 3);
+}
+
 TEST(SessionReconnect, ACameraThatFallsSilentIsSetUpAgain)
 {
     GrabSession session;
     // In each capture nothing comes from frame 20 on; the plug-in looks every 2 s.
     session.bus = busWith(TestSensor(), "[[camera.fault]]\nkind = \"stall\"\nframe = 20\n");
-    session.settings = {"grab.frames=30", "camera.silence=1 s"};
+    // It is looked for, though the silence was longer than the time to wait.
+    session.settings = {"grab.frames=30", "camera.silence=1 s", "camera.reconnect=0.5 s"};
     const Finished finished = session.run();
     EXPECT_EQ(finished.code, kFine) << finished.err;
     EXPECT_EQ(countOf(" is lost: it has delivered no frame for ", finished.err), 1U)

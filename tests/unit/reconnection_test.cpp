@@ -45,14 +45,17 @@ TEST(Reconnection, MayBeOff)
     EXPECT_EQ(reconnection.passEnded(PassEnd::kBroken, kFrameUs, kFrameUs), Verdict::kOff);
 }
 
-TEST(Reconnection, TheTimeCountsFromTheLastFrame)
+TEST(Reconnection, TheTimeCountsFromWhenTheLossShowed)
 {
     Reconnection reconnection(2);
-    EXPECT_EQ(reconnection.passEnded(PassEnd::kAbsent, kFrameUs, kFrameUs + 2 * kSecondUs - 1),
+    const std::uint64_t lostUs = kFrameUs + 30 * kSecondUs; // it fell silent
+    EXPECT_EQ(reconnection.passEnded(PassEnd::kBroken, kFrameUs, lostUs), Verdict::kWait);
+    EXPECT_EQ(reconnection.pause(lostUs), milliseconds(500));
+    EXPECT_EQ(reconnection.passEnded(PassEnd::kAbsent, kFrameUs, lostUs + 2 * kSecondUs - 1),
               Verdict::kWait);
-    EXPECT_EQ(reconnection.passEnded(PassEnd::kAbsent, kFrameUs, kFrameUs + 2 * kSecondUs),
+    EXPECT_EQ(reconnection.passEnded(PassEnd::kAbsent, kFrameUs, lostUs + 2 * kSecondUs),
               Verdict::kTooLate);
-    const std::uint64_t nextUs = kFrameUs + 2 * kSecondUs;
+    const std::uint64_t nextUs = lostUs + 3 * kSecondUs;
     EXPECT_EQ(reconnection.passEnded(PassEnd::kBroken, nextUs, nextUs + kSecondUs), Verdict::kWait);
 }
 
