@@ -71,7 +71,9 @@ void isBack(HostServices& host, const FrameShape& shape, double secondsAway)
     }
     host.absence.isAway = false;
     host.counts.away = false;
-    host.absence.secondsBefore = static_cast<float>(secondsAway);
+    // A camera that went again before its first exported frame has been away for all of the time.
+    host.absence.secondsBefore =
+        host.absence.secondsBefore.value_or(0) + static_cast<float>(secondsAway);
     complain(timeOfDay() + " " + nameOfCamera(host) + " is back after " + seconds(secondsAway) +
              ": the grab goes on with frame " + std::to_string(host.counts.exported + 1) + ".");
     askForTable(host);

@@ -19,6 +19,8 @@ public:
         : counts_(counts), frames_(frames), lastUs_(startUs)
     {}
 
+    /// Failed retrievals, and for how long the camera has been away, stand at its end when there is
+    /// anything to say of them.
     std::string text(const ExportTotals& exported, std::uint64_t nowUs);
 
 private:

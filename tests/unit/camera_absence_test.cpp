@@ -82,6 +82,30 @@ TEST_F(CameraAbsenceTest, TheReturnIsToldWithItsFirstFrame)
     EXPECT_NE(said([] { cameraLost(host(), "it is not on the bus"); }), "") << "a second time";
 }
 
+TEST_F(CameraAbsenceTest, OtherThreadsSeeThatItIsAway)
+{
+    saidByCapture();
+    EXPECT_FALSE(host().counts.away);
+    lose();
+    EXPECT_TRUE(host().counts.away);
+    saidByCapture();
+    EXPECT_FALSE(host().counts.away);
+}
+
+TEST_F(CameraAbsenceTest, TimeAwayAddsUpUntilAFrameIsExported)
+{
+    saidByCapture();
+    lose();
+    host().counts.lastUs -= 3'000'000;
+    saidByCapture(); // which exports nothing
+    lose();
+    host().counts.lastUs -= 4'000'000;
+    saidByCapture();
+    ASSERT_TRUE(host().absence.secondsBefore.has_value());
+    EXPECT_GE(*host().absence.secondsBefore, 7);
+    EXPECT_LT(*host().absence.secondsBefore, 60);
+}
+
 TEST_F(CameraAbsenceTest, FramesOfAnotherShapeEndTheLoop)
 {
     EXPECT_EQ(saidByCapture(), "");

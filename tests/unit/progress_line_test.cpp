@@ -60,5 +60,21 @@ TEST(ProgressLine, FailedRetrievalsAreShownWhenThereAreSome)
               "0 frames  1.0 fps  0 lost  0 queued  6 failed retrievals");
 }
 
+TEST(ProgressLine, SaysForHowLongTheCameraHasBeenAway)
+{
+    GrabCounts counts;
+    ProgressLine line(counts, 0, kStartUs);
+    counts.retrieved = 1;
+    counts.away = true;
+    counts.lastUs = kStartUs + 500'000;
+    EXPECT_EQ(line.text({}, kStartUs + 13'499'999),
+              "0 frames  0.1 fps  0 lost  0 queued  camera away 12 s");
+    EXPECT_TRUE(line.text({}, kStartUs + 13'500'000).ends_with("  camera away 13 s"));
+    EXPECT_TRUE(line.text({}, kStartUs + 400'000).ends_with("  camera away 0 s"))
+        << "the loss came after the look at the clock";
+    counts.away = false;
+    EXPECT_TRUE(line.text({}, kStartUs + 14'000'000).ends_with(" queued"));
+}
+
 } // namespace
 } // namespace kxhost
