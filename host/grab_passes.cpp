@@ -15,6 +15,8 @@
 #include <system_error>
 #include <utility>
 
+#include <cxxabi.h>
+
 namespace kxhost {
 namespace {
 
@@ -114,26 +116,35 @@ private:
         host_.absence.why.clear();
         ++host_.counts.passes;
         const int code = runPlugin();
-        endWidePass(host_);
-        return code;
         if (host_.choice && host_.choice->model == kNoSuchModel) {
             host_.choice.reset(); // it is the name of none
         }
+        endWidePass(host_);
+        return code;
     }
 
     /// Outside of its loop the plug-in lets the camera library's exceptions pass. Once frames have
     /// come they mean that the camera is lost, but for those that come when nothing is left to do.
     int runPlugin()
     {
+        std::string what;
         try {
             return plugin_.run();
         } catch (const std::exception& error) {
             if (host_.counts.retrieved == 0) {
                 throw;
             }
-            host_.absence.why = std::string("the camera library gave it up: ") + error.what();
-            return isDone() ? kPassFine : kPassThrew;
+            what = error.what();
+        } catch (const abi::__forced_unwind&) {
+            throw; // the thread is being ended, and this cannot be held up
+        } catch (...) {
+            if (host_.counts.retrieved == 0) {
+                throw;
+            }
+            what = kForeignException;
         }
+        host_.absence.why = "the camera library gave it up: " + what;
+        return isDone() ? kPassFine : kPassThrew;
     }
 
     /// Whether all frames have come that were wanted, or the end is asked for.

@@ -24,6 +24,7 @@
 #include <optional>
 #include <thread>
 
+#include <cxxabi.h>
 #include <poll.h>
 #include <sys/eventfd.h>
 #include <sys/signalfd.h>
@@ -79,16 +80,36 @@ void writeTheRest(Outcome& outcome)
     eventfd_write(outcome.done.number(), 1);
 }
 
-/// All passes, and then the writing, unless they were abandoned meanwhile.
+/// Sees to the writing in whatever way the passes end, unless they were abandoned meanwhile.
+class AfterPasses {
+public:
+    explicit AfterPasses(Outcome& outcome) : outcome_(outcome) {}
+    ~AfterPasses()
+    {
+        if (!outcome_.isOver.exchange(true)) {
+            writeTheRest(outcome_);
+        }
+    }
+    AfterPasses(const AfterPasses&) = delete;
+    AfterPasses& operator=(const AfterPasses&) = delete;
+
+private:
+    Outcome& outcome_;
+};
+
+/// All passes, and then the writing.
 void runToTheEnd(const Plugin& plugin, Outcome& outcome)
 {
+    const AfterPasses after(outcome);
+    outcome.result = {kExitInternal, "The plug-in ended its thread."};
     try {
         outcome.result = runPasses(plugin);
     } catch (const std::exception& error) {
         outcome.result = {kExitInternal, std::string("Ended by an exception: ") + error.what()};
-    }
-    if (!outcome.isOver.exchange(true)) {
-        writeTheRest(outcome);
+    } catch (const abi::__forced_unwind&) {
+        throw; // of a thread that ends: who holds it up ends the process
+    } catch (...) {
+        outcome.result = {kExitInternal, std::string("Ended by ") + kForeignException + "."};
     }
 }
 
