@@ -52,14 +52,19 @@ public:
             return;
         }
         const std::string name = assignment.substr(dot + 1, equals - dot - 1);
-        const toml::table value =
-            parseValue(assignment.substr(equals + 1), takesText(section, name));
-        readKey(section, name, *value.get("value"), 0);
+        try {
+            const toml::table value =
+                parseValue(assignment.substr(equals + 1), takesText(section, name));
+            readKey(section, name, *value.get("value"), 0);
+        } catch (const toml::parse_error& error) {
+            report({}, std::string(error.description()));
+        }
     }
 
 private:
     /// What stands behind the equals sign: TOML, or a bare word that is taken as a text. Where a
-    /// text belongs, 2024-05-01 is one too and no date.
+    /// text belongs, 2024-05-01 is one too and no date. Throws what is wrong with bytes that are no
+    /// UTF-8, which no configuration could hold.
     static toml::table parseValue(const std::string& text, bool asText)
     {
         try {
@@ -70,7 +75,7 @@ private:
         } catch (const toml::parse_error&) {
             // Not TOML, so it is a text.
         }
-        return toml::table{{"value", text}};
+        return toml::parse("value = " + tomlText(text));
     }
 
     static bool takesText(std::string_view section, std::string_view name)

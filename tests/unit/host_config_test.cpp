@@ -298,6 +298,9 @@ TEST(Config, OverridesWinAndAreCheckedAlike)
     EXPECT_EQ(onlyError("", {"grab.farmes=5"}),
               "--set grab.farmes=5: unknown key grab.farmes; did you mean grab.frames?");
     EXPECT_EQ(onlyError("", {"frames"}), "--set frames: expected section.key=value");
+    // Latin 1: no file could hold it.
+    EXPECT_EQ(onlyError("", {"camera.model=caf\xE9 1"}).rfind("--set camera.model=caf\xE9 1: ", 0),
+              0U);
     EXPECT_EQ(onlyError("", {"iobox.pin=gpio1"}),
               "--set iobox.pin=gpio1: the settings of [[iobox]] can only be given in a file");
 }
