@@ -218,6 +218,17 @@ fcsim::Fault faultOf(const TracedCall& call, const Attempt& attempt)
     return fault;
 }
 
+/// Whether the run came to the call that the fault waited for.
+bool wasHit(const Outcome& outcome, const fcsim::Fault& fault)
+{
+    const std::string name = "." + fault.operation;
+    const auto calls = std::ranges::count_if(outcome.events, [&](const Event& event) {
+        return event.kind == Kind::sdk && event.name.ends_with(name) &&
+               event.arguments.starts_with(fault.detail);
+    });
+    return static_cast<std::uint64_t>(calls) > fault.skip;
+}
+
 bool logTells(const Outcome& outcome, const char* text)
 {
     return std::any_of(outcome.events.begin(), outcome.events.end(), [text](const Event& event) {
@@ -288,9 +299,11 @@ private:
         }
         putOnBus(session);
         const kxtest::ProcessResources before = kxtest::processResources();
-        fcsim::addFault(faultOf(call, attempt));
+        const fcsim::Fault fault = faultOf(call, attempt);
+        fcsim::addFault(fault);
         const Outcome outcome = runSession(session);
         fcsim::clearFaults();
+        EXPECT_TRUE(wasHit(outcome, fault)) << "the call was not reached";
         check(prediction.of(attempt), outcome);
         tried().add(call, attempt.failure);
         for (const kxtest::CameraText& camera : session.cameras) {
