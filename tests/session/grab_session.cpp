@@ -113,6 +113,9 @@ Json GrabSession::summary() const
 std::vector<std::string> GrabSession::pictures() const
 {
     std::vector<std::string> names;
+    if (!std::filesystem::exists(output())) {
+        return names; // a grab that wrote nothing leaves no folder
+    }
     for (const auto& entry : std::filesystem::directory_iterator(output())) {
         const std::string name = entry.path().filename().string();
         if (name != "frames.ndjson") {
