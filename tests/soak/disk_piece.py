@@ -90,7 +90,7 @@ def _slow_complaints(summary, when_full):
 
 def _left_over(kept):
     """The metadata of a grab that could not write on, and what is wrong with its files."""
-    followed = records.Records(kept)
+    followed = records.Records(kept, may_fail=True)
     followed.end()
     found = followed.complaints
     for name in os.listdir(kept):

@@ -14,12 +14,14 @@ class Records:
     """Checks each line as it comes: whole, numbered in order, its gaps told, its pictures whole.
 
     Pictures are removed once they have been looked at when `tidy` is true, as by a consumer that
-    takes them away; a long run would fill the disk otherwise.
+    takes them away; a long run would fill the disk otherwise. With `may_fail` numbers may be left
+    out: of two frames that are written at the same time the second may find room on a full disk.
     """
 
-    def __init__(self, folder, tidy=False):
+    def __init__(self, folder, tidy=False, may_fail=False):
         self.folder = folder
         self.tidy = tidy
+        self.may_fail = may_fail
         self.values = []      # (stretch, frame counter) of each frame that has them
         self.count = 0        # lines
         self.pictures = 0     # looked at
@@ -28,6 +30,7 @@ class Records:
         self.complaints = []  # the first of them
         self.untold = []      # gaps of the counter that the metadata tells otherwise, likewise
         self._read = 0
+        self._number = 0
         self._before = None
 
     def complain(self, text, about=None):
@@ -65,8 +68,10 @@ class Records:
             self.complain(f"no line of metadata: {line[:200]!r}")
             return
         self.count += 1
-        if frame["number"] != self.count:
-            self.complain(f"frame {frame['number']} stands in line {self.count}")
+        step = frame["number"] - self._number
+        if step != 1 and not (self.may_fail and step > 1):
+            self.complain(f"frame {frame['number']} stands behind frame {self._number}")
+        self._number = frame["number"]
         self.words += "rx_data" in frame
         self.gaps += "camera_away_s" in frame
         if "stretch" in frame:
