@@ -128,7 +128,7 @@ public:
     /// again.
     std::string whyNoReport()
     {
-        const std::string why =
+        std::string why =
             commandLine_.reportFile.empty() ? "" : whyNotWritable(commandLine_.reportFile);
         isRefused_ = !why.empty();
         return why;
