@@ -59,6 +59,7 @@ std::string inForceTable(const std::vector<ConfigurationChangePtr>& changes)
         return element("p", "No key was set: the camera was left as it is.");
     }
     std::vector<std::vector<std::string>> rows;
+    rows.reserve(keys.size());
     for (const auto& [key, state] : keys) {
         rows.push_back({code(key), code(state.value), std::to_string(state.number)});
     }
@@ -80,6 +81,7 @@ std::string changesTable(const std::vector<ConfigurationChangePtr>& changes)
         return "";
     }
     std::vector<std::vector<std::string>> rows;
+    rows.reserve(changes.size());
     for (const ConfigurationChangePtr& change : changes) {
         rows.push_back({std::to_string(change->number), utcText(change->atUs),
                         kindText(change->kind), changedText(*change)});
