@@ -15,8 +15,6 @@
 #include <system_error>
 #include <utility>
 
-#include <cxxabi.h>
-
 namespace kxhost {
 namespace {
 
@@ -135,10 +133,9 @@ private:
                 throw;
             }
             what = error.what();
-        } catch (const abi::__forced_unwind&) {
-            throw; // the thread is being ended, and this cannot be held up
         } catch (...) {
-            if (host_.counts.retrieved == 0) {
+            // A thread that is being ended unwinds without an exception and cannot be held up.
+            if (host_.counts.retrieved == 0 || !std::current_exception()) {
                 throw;
             }
             what = kForeignException;

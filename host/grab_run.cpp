@@ -20,11 +20,11 @@
 #include <array>
 #include <atomic>
 #include <csignal>
+#include <exception>
 #include <memory>
 #include <optional>
 #include <thread>
 
-#include <cxxabi.h>
 #include <poll.h>
 #include <sys/eventfd.h>
 #include <sys/signalfd.h>
@@ -106,9 +106,10 @@ void runToTheEnd(const Plugin& plugin, Outcome& outcome)
         outcome.result = runPasses(plugin);
     } catch (const std::exception& error) {
         outcome.result = {kExitInternal, std::string("Ended by an exception: ") + error.what()};
-    } catch (const abi::__forced_unwind&) {
-        throw; // of a thread that ends: who holds it up ends the process
     } catch (...) {
+        if (!std::current_exception()) {
+            throw; // a thread that ends unwinds without one: who holds it up ends the process
+        }
         outcome.result = {kExitInternal, std::string("Ended by ") + kForeignException + "."};
     }
 }
