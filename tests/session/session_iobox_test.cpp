@@ -309,7 +309,7 @@ TEST_F(SessionIobox, TheExampleOfAReplyHasItInTheMetadata)
     std::string out;
     std::vector<Json> frames;
     // Its reply is as fast as it may be: a machine that stalls can spoil one, but not each.
-    for (int attempt = 0; attempt < 3 && frames.empty(); ++attempt) {
+    for (int attempt = 0; attempt < 6 && frames.empty(); ++attempt) {
         std::filesystem::remove_all(session_.output());
         out = runExample("command-reply.toml").out;
         frames = framesWithWord();
