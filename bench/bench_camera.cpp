@@ -1,7 +1,7 @@
 // The camera of the benchmarks: a simulated one that delivers at once and draws nothing.
 #include "bench_camera.h"
 
-#include "flycapture2/sim/sim_control.h"
+#include "flycapture2/sim/control/sim_control.h"
 
 #include <cstdio>
 #include <cstdlib>

@@ -1,11 +1,11 @@
 // Bits of words that do not arrive: commands to a simulated I/O box and its replies, by the control
 // thread and by a bare loop of the same policy, without a load and beside two threads that copy
 // memory.
+#include "control/sim_control.h"
 #include "kx_pg_line_code.h"
 #include "kx_pg_line_rx.h"
 #include "kx_pg_shared.h"
 #include "line_camera.h"
-#include "sim_control.h"
 
 #include <bit>
 #include <cstdio>

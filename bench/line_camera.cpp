@@ -3,8 +3,8 @@
 #include "line_camera.h"
 
 #include "bench_host.h"
+#include "control/sim_control.h"
 #include "kx_pg_proc.h"
-#include "sim_control.h"
 
 #include <cstdio>
 #include <cstdlib>

@@ -3,8 +3,8 @@
 // the time at which the sender was done.
 //
 //   line_frame WORD BITS
+#include "control/sim_control.h"
 #include "line_camera.h"
-#include "sim_control.h"
 
 #include <cinttypes>
 #include <cstdio>

@@ -5,8 +5,8 @@
 // one millisecond, and gaps of 20 half periods. A pause may come out longer, since threads wake
 // late. A half period behind a write that took longer than others comes out shorter, though never
 // shorter than a millisecond and a write; gaps and ends never do.
+#include "control/sim_control.h"
 #include "line_camera.h"
-#include "sim_control.h"
 
 #include <algorithm>
 #include <cstdio>

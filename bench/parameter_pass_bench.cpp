@@ -6,8 +6,8 @@
 // many rounds counts.
 #include "bench_camera.h"
 #include "bench_host.h"
+#include "control/sim_control.h"
 #include "kx_pg_proc.h"
-#include "sim_control.h"
 
 #include <benchmark/benchmark.h>
 

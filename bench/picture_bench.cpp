@@ -1,7 +1,7 @@
 // Time that a writer thread takes for one picture of 1280 x 1024: decoding and encoding, in memory.
-#include "picture_decode.h"
-#include "picture_encode.h"
-#include "renderer.h"
+#include "picture/picture_decode.h"
+#include "picture/picture_encode.h"
+#include "scene/renderer.h"
 
 #include <benchmark/benchmark.h>
 

@@ -1,5 +1,5 @@
 // Frames a second that the simulated sensor makes on one core, per pixel format.
-#include "renderer.h"
+#include "scene/renderer.h"
 
 #include <benchmark/benchmark.h>
 

@@ -1,8 +1,8 @@
 // Fuzz target: descriptions of the simulated bus. Each that is accepted is one of cameras that
 // work.
-#include "bus_parser.h"
+#include "control/sim_control.h"
+#include "description/bus_parser.h"
 #include "fuzz_input.h"
-#include "sim_control.h"
 
 #include <FlyCapture2.h>
 

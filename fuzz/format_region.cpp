@@ -1,11 +1,11 @@
 // Fuzz target: what a host says of pixel format, region, buffers and conversion, in whole grabs of
 // the plug-in from a simulated camera.
+#include "control/sim_control.h"
 #include "fuzz_input.h"
 #include "journal.h"
 #include "kx_log.h"
 #include "kx_pg_proc.h"
 #include "recording_host.h"
-#include "sim_control.h"
 #include "test_bus.h"
 
 #include <FlyCapture2.h>

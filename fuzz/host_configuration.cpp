@@ -1,8 +1,8 @@
 // Fuzz target: the configuration of kxhost, from TOML to settings and back.
-#include "config.h"
-#include "config_change.h"
-#include "config_hints.h"
-#include "config_value.h"
+#include "config/config.h"
+#include "config/config_change.h"
+#include "config/config_hints.h"
+#include "config/config_value.h"
 #include "fuzz_input.h"
 
 #include <string>

@@ -1,9 +1,9 @@
 // Fuzz target: levels of a line into the plug-in's receiver, and the same line into the decoder of
 // the simulated I/O box, which knows the code independently.
 #include "fuzz_input.h"
-#include "io_box_decoder.h"
 #include "kx_pg_line_code.h"
 #include "kx_pg_line_rx.h"
+#include "pins/io_box_decoder.h"
 
 #include <bit>
 #include <optional>

@@ -1,8 +1,8 @@
 // Fuzz target: look-up tables from files.
-#include "lut_file.h"
+#include "config/lut_file.h"
 
+#include "config/settings.h"
 #include "fuzz_input.h"
-#include "settings.h"
 
 #include <filesystem>
 #include <optional>

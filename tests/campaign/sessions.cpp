@@ -1,7 +1,7 @@
 // Reference sessions: whole runs of the plug-in that together reach every call it makes.
 #include "sessions.h"
 
-#include "sim_control.h"
+#include "control/sim_control.h"
 #include "system_calls.h"
 
 #include <gtest/gtest.h>

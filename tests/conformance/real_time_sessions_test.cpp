@@ -1,5 +1,6 @@
 // Sessions with the C library as it is: a control thread in real time, words and replies on the
 // line, stopped at every stage, and a camera that is pulled out.
+#include "control/sim_control.h"
 #include "journal.h"
 #include "kx_log.h"
 #include "kx_pg_cthr.h"
@@ -8,7 +9,6 @@
 #include "process_resources.h"
 #include "recording_host.h"
 #include "sanitizer.h"
-#include "sim_control.h"
 #include "stdout_capture.h"
 #include "test_bus.h"
 

@@ -1,7 +1,7 @@
 # Compiles every header by itself: what it needs, it includes.
 function(kx_check_headers target)
     cmake_parse_arguments(arg "" "FOLDER" "LIBRARIES" ${ARGN})
-    file(GLOB headers CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/${arg_FOLDER}/*.h)
+    file(GLOB_RECURSE headers CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/${arg_FOLDER}/*.h)
     set(sources "")
     foreach(header IN LISTS headers)
         get_filename_component(stem ${header} NAME_WE)

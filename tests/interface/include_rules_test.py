@@ -19,6 +19,21 @@ OWN_HEADERS = {
     "flycapture2/include": ["flycapture2/include"],
     "flycapture2/sim": ["flycapture2/sim"],
 }
+# The folders of the host, each with those that it may use besides itself: a folder never needs one
+# that needs it.
+HOST_LAYERS = {
+    "base": set(),
+    "picture": set(),
+    "clock": set(),
+    "export": {"base", "picture"},
+    "config": {"base", "picture", "export"},
+    "report": {"base", "picture", "export", "clock"},
+    "grab": {"base", "picture", "export", "clock", "config"},
+    "live": {"base", "picture", "export", "clock", "config", "grab"},
+    "doctor": {"base", "config", "grab"},
+    "services": {"base", "picture", "export", "clock", "config", "grab"},
+    "command": {"base", "clock", "config", "doctor", "export", "grab", "live", "report"},
+}
 MAY_USE_THE_CAMERA_LIBRARY = {"src", "flycapture2/sim"}
 
 # The plug-in depends on nothing but the language's library, POSIX and the camera library.
@@ -27,8 +42,8 @@ PLUGIN_SYSTEM_HEADERS = {"pthread.h", "sched.h", "stdint.h", "sys/time.h", "sysl
 
 def includes(folder):
     """Each include of a folder: file, quote sign, name."""
-    for path in sorted(glob.glob(os.path.join(ROOT, folder, "*.h"))
-                       + glob.glob(os.path.join(ROOT, folder, "*.cpp*"))):
+    for path in sorted(glob.glob(os.path.join(ROOT, folder, "**", "*.h"), recursive=True)
+                       + glob.glob(os.path.join(ROOT, folder, "**", "*.cpp*"), recursive=True)):
         with open(path, encoding="utf-8") as file:
             for quote, name in re.findall(r'^\s*#\s*include\s*(["<])([^">]+)[">]', file.read(), re.M):
                 yield os.path.relpath(path, ROOT), quote, name
@@ -37,7 +52,8 @@ def includes(folder):
 class IncludeRules(unittest.TestCase):
     def test_headers_of_the_project_lie_where_the_folder_may_look(self):
         ours = {os.path.basename(path) for folder in OWN_HEADERS
-                for path in glob.glob(os.path.join(ROOT, folder, "*.h"))}
+                for path in glob.glob(os.path.join(ROOT, folder, "**", "*.h"),
+                                  recursive=True)}
         for folder, allowed in OWN_HEADERS.items():
             found = list(includes(folder))
             self.assertTrue(found, folder)
@@ -46,6 +62,15 @@ class IncludeRules(unittest.TestCase):
                     continue
                 if not any(os.path.exists(os.path.join(ROOT, place, name)) for place in allowed):
                     self.fail(f"{path} includes {name}, which is not in {' or '.join(allowed)}")
+
+    def test_folders_of_the_host_use_those_below(self):
+        folders = {entry.name for entry in os.scandir(os.path.join(ROOT, "host")) if entry.is_dir()}
+        self.assertEqual(folders, set(HOST_LAYERS))
+        for folder, below in HOST_LAYERS.items():
+            for path, quote, name in includes(f"host/{folder}"):
+                used, slash, _ = name.partition("/")
+                if quote == '"' and slash:
+                    self.assertIn(used, below | {folder}, f"{path} includes {name}")
 
     def test_only_plugin_and_simulation_use_the_camera_library(self):
         for folder in OWN_HEADERS.keys() - MAY_USE_THE_CAMERA_LIBRARY:

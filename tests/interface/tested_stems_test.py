@@ -26,8 +26,8 @@ def stem(path):
 class TestedStems(unittest.TestCase):
     def setUp(self):
         self.sources = [path for folder in ("src", "host", "flycapture2/sim")
-                        for path in relative(f"{folder}/*.cpp")]
-        self.tested = {stem(path).removesuffix("_test") for path in relative("tests/unit/*_test.cpp")}
+                        for path in relative(f"{folder}/**/*.cpp")]
+        self.tested = {stem(path).removesuffix("_test") for path in relative("tests/unit/*/*_test.cpp")}
         self.entries = {}
         with open(ENTRIES, encoding="utf-8") as file:
             for line in file:

@@ -27,9 +27,9 @@ def text_of(*path):
 
 
 def exit_codes():
-    """Name: number, of host/exit_code.h."""
+    """Name: number, of host/base/exit_code.h."""
     return {name: int(number) for name, number in
-            re.findall(r"^\s*(kExit\w+) = (\d+),", text_of("host", "exit_code.h"), re.M)}
+            re.findall(r"^\s*(kExit\w+) = (\d+),", text_of("host", "base", "exit_code.h"), re.M)}
 
 
 def settings():
@@ -43,7 +43,7 @@ class ServiceUnit(unittest.TestCase):
     def test_every_exit_code_is_either_cured_by_a_start_or_not(self):
         # A verb's own codes, which no grab ends with, are told apart by their comment.
         others = set(re.findall(r"^\s*(kExit\w+) = \d+,\s*///< (?!doctor|ctl)\w+:",
-                                text_of("host", "exit_code.h"), re.M))
+                                text_of("host", "base", "exit_code.h"), re.M))
         self.assertEqual(set(exit_codes()) - others, RESTARTED | LEFT | NO_GRAB)
 
     def test_what_takes_a_person_is_not_started_again(self):

@@ -1,8 +1,8 @@
 // What a picture of a simulated camera must look like.
 #include "ground_truth.h"
 
-#include "pixel_format.h"
-#include "renderer.h"
+#include "scene/pixel_format.h"
+#include "scene/renderer.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 // One journal of everything that the plug-in does to the outside.
 #include "journal.h"
 
-#include "sim_control.h"
+#include "control/sim_control.h"
 
 #include <algorithm>
 #include <array>

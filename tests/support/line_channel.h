@@ -3,7 +3,7 @@
 #ifndef KX_TEST_LINE_CHANNEL_H
 #define KX_TEST_LINE_CHANNEL_H
 
-#include "io_box_reply.h"
+#include "pins/io_box_reply.h"
 
 #include <cstdint>
 #include <random>

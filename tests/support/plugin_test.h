@@ -2,10 +2,10 @@
 #ifndef KX_TEST_PLUGIN_TEST_H
 #define KX_TEST_PLUGIN_TEST_H
 
+#include "control/sim_control.h"
 #include "journal.h"
 #include "kx_log.h"
 #include "recording_host.h"
-#include "sim_control.h"
 #include "test_bus.h"
 
 #include <gmock/gmock.h>

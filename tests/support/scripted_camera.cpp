@@ -1,7 +1,7 @@
 // A camera whose frames arrive by a script, and that remembers what it was told.
 #include "scripted_camera.h"
 
-#include "sim_control.h"
+#include "control/sim_control.h"
 
 #include <stdexcept>
 

@@ -2,8 +2,8 @@
 // write into the journal.
 #include "system_calls.h"
 
+#include "control/sim_control.h"
 #include "journal.h"
-#include "sim_control.h"
 
 #include <atomic>
 #include <cerrno>

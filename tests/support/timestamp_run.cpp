@@ -1,13 +1,13 @@
 // Measures how far exported time stamps are from the true starts of exposure.
 #include "timestamp_run.h"
 
-#include "clock_recorder.h"
+#include "clock/clock_recorder.h"
+#include "control/sim_control.h"
 #include "journal.h"
 #include "kx_log.h"
 #include "kx_plugin.h"
 #include "kx_scenario.h"
 #include "recording_host.h"
-#include "sim_control.h"
 
 #include <algorithm>
 #include <cmath>

@@ -2,7 +2,7 @@
 #ifndef KX_TEST_TIMESTAMP_RUN_H
 #define KX_TEST_TIMESTAMP_RUN_H
 
-#include "clock_fit.h"
+#include "clock/clock_fit.h"
 
 #include <cstddef>
 #include <cstdint>
