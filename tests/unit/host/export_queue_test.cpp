@@ -59,7 +59,8 @@ std::vector<Json> metadataOf(const TemporaryFolder& folder)
 }
 
 /// Makes the writers stand still: the name under which the first picture is written aside is a pipe
-/// that nobody reads, until `release` is called.
+/// that nobody reads, until `release` is called. REQUIRES: the queue is started, which removes what
+/// has such a name.
 class StalledWriter {
 public:
     explicit StalledWriter(const TemporaryFolder& folder)
@@ -164,12 +165,12 @@ TEST(ExportQueue, WhatIsNeverCommittedIsForgotten)
 TEST(ExportQueue, RefusesWhenFullIfToldTo)
 {
     const TemporaryFolder folder;
-    StalledWriter stalled(folder);
     ExportSettings settings = settingsFor(folder);
     settings.queueDepth = 2;
     settings.whenFull = WhenFull::kDrop;
     ExportQueue queue(settings);
     ASSERT_EQ(queue.start(), "");
+    StalledWriter stalled(folder);
     for (std::uint64_t i = 1; i <= 2; ++i) {
         ASSERT_TRUE(stageFrame(queue, i));
         commitFrame(queue, i);
@@ -186,11 +187,11 @@ TEST(ExportQueue, RefusesWhenFullIfToldTo)
 TEST(ExportQueue, WaitsWhenFullIfToldTo)
 {
     const TemporaryFolder folder;
-    StalledWriter stalled(folder);
     ExportSettings settings = settingsFor(folder);
     settings.queueDepth = 1;
     ExportQueue queue(settings);
     ASSERT_EQ(queue.start(), "");
+    StalledWriter stalled(folder);
     ASSERT_TRUE(stageFrame(queue, 1));
     commitFrame(queue, 1);
     std::thread reader([&] { stalled.release(); });
