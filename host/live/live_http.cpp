@@ -19,6 +19,23 @@ bool isNamed(const std::pair<std::string, std::string>& header, std::string_view
            strncasecmp(header.first.data(), name.data(), name.size()) == 0;
 }
 
+/// The head without its lines of this header.
+std::string without(std::string_view name, std::string_view head)
+{
+    std::string rest;
+    while (!head.empty()) {
+        const std::string_view line =
+            head.substr(0, std::min(head.find('\n'), head.size() - 1) + 1);
+        const bool isIt = line.size() > name.size() && line[name.size()] == ':' &&
+                          strncasecmp(line.data(), name.data(), name.size()) == 0;
+        if (!isIt) {
+            rest += line;
+        }
+        head.remove_prefix(line.size());
+    }
+    return rest;
+}
+
 /// What the library takes for a connection: the bytes of a request, and those of its reply.
 class TextStream : public httplib::Stream {
 public:
@@ -97,15 +114,17 @@ public:
 
     std::variant<std::string, HttpLater> answer(std::string_view head, bool isLastTry)
     {
-        TextStream stream(head);
+        // The library reads ranges by an expression that takes more stack the longer they are, and
+        // a thread may have little. Nobody gets a part of a reply here.
+        const std::string request = without("Range", head);
+        TextStream stream(request);
         bool isClosed = false;
         isLastTry_ = isLastTry;
         later_.reset();
-        process_request(stream, true, isClosed, [](httplib::Request& request) {
-            // Parts of replies and their compression are of no use here.
-            request.ranges.clear();
-            request.headers.erase("Accept-Encoding");
-            request.headers.erase("Expect");
+        process_request(stream, true, isClosed, [](httplib::Request& each) {
+            // Compression is of no use here.
+            each.headers.erase("Accept-Encoding");
+            each.headers.erase("Expect");
         });
         if (later_) {
             return *later_;
