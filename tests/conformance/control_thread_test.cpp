@@ -153,8 +153,7 @@ TEST_F(ControlThreadTest, IsCancelledWhenItDoesNotStop)
     kxtest::onUsleep([&stuck](bool realTime) {
         if (realTime) {
             stuck = true;
-            const timespec aMinute = {60, 0};
-            nanosleep(&aMinute, nullptr);
+            kxtest::getStuck();
         }
     });
     startAndWait();
@@ -176,8 +175,7 @@ TEST_F(ControlThreadTest, IsCancelledInTheMiddleOfAWord)
     kxtest::onUsleep([&sending, this](bool realTime) {
         if (realTime && cam_->lineCmdActive == 0x392) {
             sending = true;
-            const timespec aMinute = {60, 0};
-            nanosleep(&aMinute, nullptr);
+            kxtest::getStuck();
         }
     });
     startAndWait();

@@ -34,6 +34,9 @@ std::atomic<bool> grantRealTime{false};
 /// Real-time threads that have not ended yet, and whether this is one of them.
 std::atomic<int> liveRealTimeThreads{0};
 thread_local bool isRealTime = false;
+/// How long real-time threads have slept so far, and whether one is stuck.
+std::atomic<std::uint64_t> realTimeSleptUs{0};
+std::atomic<bool> isStuck{false};
 
 using Create = int (*)(pthread_t*, const pthread_attr_t*, void* (*)(void*), void*);
 
@@ -45,7 +48,11 @@ struct Job {
 
 /// Counts a thread until it returns or is cancelled.
 struct Counted {
-    ~Counted() { --liveRealTimeThreads; }
+    ~Counted()
+    {
+        isStuck = false;
+        --liveRealTimeThreads;
+    }
 };
 
 void* runRealTime(void* job)
@@ -85,11 +92,29 @@ int createRealTime(Create create, pthread_t* thread, const pthread_attr_t* attri
     return create(thread, nullptr, runRealTime, new Job(job));
 }
 
+/// Part of its time that usleep really waits for while there is a real-time thread.
+constexpr long kSleepPart = 20;
+
 /// Lets the other threads go on meanwhile. May be cancelled.
 void waitForPart(useconds_t us)
 {
     const timespec time = {0, static_cast<long>(us) * 1000 / kSleepPart};
     nanosleep(&time, nullptr);
+}
+
+void sleepAsRealTime(useconds_t us)
+{
+    waitForPart(us);
+    realTimeSleptUs += us;
+}
+
+/// Until the real-time thread has slept as long.
+void sleepBesideRealTime(useconds_t us)
+{
+    const std::uint64_t end = realTimeSleptUs + us;
+    do {
+        waitForPart(us);
+    } while (liveRealTimeThreads > 0 && realTimeSleptUs < end && !isStuck);
 }
 
 [[gnu::format(printf, 2, 0)]] void recordSyslog(int priority, const char* format, va_list arguments)
@@ -118,6 +143,14 @@ unsigned takeCpuQueries()
 void setRealTime(RealTime answer)
 {
     grantRealTime = answer == RealTime::granted;
+}
+
+void getStuck()
+{
+    isStuck = true;
+    for (;;) {
+        pause();
+    }
 }
 
 int realTimeThreads()
@@ -161,11 +194,12 @@ int usleep(useconds_t us)
     if (kxtest::usleepHook) {
         kxtest::usleepHook(kxtest::isRealTime);
     }
-    if (kxtest::liveRealTimeThreads > 0) {
-        kxtest::waitForPart(us);
-    }
     if (kxtest::isRealTime) {
+        kxtest::sleepAsRealTime(us);
         return 0;
+    }
+    if (kxtest::liveRealTimeThreads > 0) {
+        kxtest::sleepBesideRealTime(us);
     }
     pthread_testcancel();
     kxtest::journal().add({Kind::system, "usleep", std::to_string(us), 0});

@@ -4,7 +4,8 @@
 // a thread can be cancelled in it; openlog and syslog write into the journal; sched_getcpu answers
 // `kCpu` and is counted. Real-time threads are not created, or as ordinary ones: then all usleep
 // really waits, for a part of its time, and that of such a thread neither moves the clock nor is
-// recorded.
+// recorded. Where the other threads sleep they wait for it to have slept as long, or to have ended:
+// a real-time thread is never late, however busy the machine is.
 //
 // REQUIRES: the simulation's clock is driven by hand.
 #ifndef KX_TEST_SYSTEM_CALLS_H
@@ -20,13 +21,14 @@ inline constexpr int kCpu = 5;
 /// How often the processor was asked for since the last call.
 unsigned takeCpuQueries();
 
-/// Part of its time that usleep really waits for while there is a real-time thread.
-inline constexpr unsigned kSleepPart = 20;
-
 /// What becomes of real-time threads that the plug-in creates; `PluginTest` starts with `refused`.
 /// Both are recorded as "pthread_create" with the scheduling that was asked for.
 enum class RealTime { refused, granted };
 void setRealTime(RealTime answer);
+
+/// What a real-time thread calls that is to get stuck: sleeps until it is cancelled. The others do
+/// not wait for it then.
+void getStuck();
 
 /// How many real-time threads have not ended yet.
 int realTimeThreads();
