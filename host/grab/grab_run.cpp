@@ -1,14 +1,15 @@
 // One run of the grab: the plug-in on a thread of its own; signals, the configuration file and the
 // progress on the calling one.
 //
-// Signals come through a descriptor that this thread waits for, so nothing is ever done in a signal
-// handler. A termination signal that comes inside the grab loop is left to the loop, which ends
-// behind the frame at hand. Outside of it (a camera is looked for, powered up, configured) nobody
-// would see the signal for an unknown time: the run ends at once, and if the plug-in does not come
-// back within a moment, without it. While the last frames are written, the end is near anyway.
-// Other signals are kept until the loop runs again. What an abandoned plug-in left in the queue is
-// written by another thread, so that this one goes on: a second signal still ends the process, and
-// the service manager still hears of the progress.
+// Signals come through a descriptor that this thread waits for, so nothing is done in a signal
+// handler, but the end by a second termination signal when nobody waits for signals any more: what
+// is written last may have to wait for its reader for ever. A termination signal that comes inside
+// the grab loop is left to the loop, which ends behind the frame at hand. Outside of it (a camera
+// is looked for, powered up, configured) nobody would see the signal for an unknown time: the run
+// ends at once, and if the plug-in does not come back within a moment, without it. While the last
+// frames are written, the end is near anyway. Other signals are kept until the loop runs again.
+// What an abandoned plug-in left in the queue is written by another thread, so that this one goes
+// on: a second signal still ends the process, and the service manager still hears of the progress.
 #include "grab/grab_run.h"
 
 #include "base/descriptor.h"
@@ -48,6 +49,14 @@ constexpr std::array kSteering = {Steering{SIGINT, kFinishInterrupt},
                                   Steering{SIGTERM, kFinishTerminate}, Steering{SIGHUP, kReload},
                                   Steering{SIGUSR1, kLut}, Steering{SIGUSR2, kLut12}};
 
+/// What the exit code of a process that was ended by a signal adds to its number.
+constexpr int kEndedBySignal = 128;
+
+bool isFinishing(const Steering& steering)
+{
+    return steering.code == kFinishInterrupt || steering.code == kFinishTerminate;
+}
+
 sigset_t steeringSignals()
 {
     sigset_t set;
@@ -57,6 +66,41 @@ sigset_t steeringSignals()
     }
     return set;
 }
+
+// ---- Behind the run.
+
+/// A first termination signal was taken. For the handler.
+std::atomic<bool> isLateEndAsked = false; // NOLINT(*-avoid-non-const-global-variables)
+static_assert(std::atomic<bool>::is_always_lock_free);
+
+extern "C" void takeLateSignal(int signal)
+{
+    if (isLateEndAsked.exchange(true)) {
+        _exit(kEndedBySignal + signal);
+    }
+}
+
+void letSecondSignalEnd(bool isAsked)
+{
+    isLateEndAsked = isAsked;
+    struct sigaction action {};
+    action.sa_handler = takeLateSignal;
+    action.sa_flags = SA_RESTART;
+    sigemptyset(&action.sa_mask);
+    for (const Steering& each : kSteering) {
+        if (isFinishing(each)) {
+            sigaddset(&action.sa_mask, each.signal); // one is taken after the other
+        }
+    }
+    for (const Steering& each : kSteering) {
+        if (isFinishing(each)) {
+            sigaction(each.signal, &action, nullptr);
+        }
+    }
+    pthread_sigmask(SIG_UNBLOCK, &action.sa_mask, nullptr);
+}
+
+// ---- The run.
 
 /// What the grab thread tells the other one. Shared, because an abandoned thread outlives the run.
 struct Outcome {
@@ -128,6 +172,14 @@ public:
 
     GrabResult run(int tickMs, const std::function<void()>& tick)
     {
+        runToResult(tickMs, tick);
+        letSecondSignalEnd(isAsked_);
+        return outcome_->result;
+    }
+
+private:
+    void runToResult(int tickMs, const std::function<void()>& tick)
+    {
         std::array<pollfd, 3> wait = {pollfd{outcome_->done.number(), POLLIN, 0},
                                       pollfd{signals_.number(), POLLIN, 0},
                                       pollfd{watch_ ? watch_->descriptor() : -1, POLLIN, 0}};
@@ -146,10 +198,8 @@ public:
             tick();
         }
         thread_.join();
-        return outcome_->result;
     }
 
-private:
     /// A grab without it is better than none.
     void startWatching()
     {
@@ -173,7 +223,7 @@ private:
             follower_.reload(); // before the code, which hands it over
             followFiles();
         }
-        if (steering->code == kFinishInterrupt || steering->code == kFinishTerminate) {
+        if (isFinishing(*steering)) {
             finish(steering->signal);
         }
         services().signals.post(steering->code);
@@ -183,7 +233,6 @@ private:
     void finish(int signal)
     {
         if (isAsked_) {
-            constexpr int kEndedBySignal = 128;
             _exit(kEndedBySignal + signal);
         }
         isAsked_ = true;

@@ -17,7 +17,8 @@ void blockSteeringSignals();
 /// Runs until the plug-in is done and everything is written, or a signal ends it, with the settings
 /// and counters of `services()`. The plug-in runs on a thread of its own; the calling thread waits
 /// for signals and changes of the file (when `watch` says so), and calls `tick` about every
-/// `tickMs` milliseconds. A second termination signal ends the process at once, up to the end.
+/// `tickMs` milliseconds. A second termination signal ends the process at once, also behind the
+/// end, where the calling thread takes such signals.
 ///
 /// When the result says that the plug-in was abandoned, everything is written as well, but the
 /// process must end without destroying anything that the plug-in uses.
