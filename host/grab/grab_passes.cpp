@@ -121,10 +121,24 @@ private:
         return code;
     }
 
+    /// Ends what the plug-in may have left open: what is no std::exception passes through its loop
+    /// without a word.
+    class CaptureEnd {
+    public:
+        explicit CaptureEnd(HostServices& host) : host_(host) {}
+        ~CaptureEnd() { endCapture(host_); }
+        CaptureEnd(const CaptureEnd&) = delete;
+        CaptureEnd& operator=(const CaptureEnd&) = delete;
+
+    private:
+        HostServices& host_;
+    };
+
     /// Outside of its loop the plug-in lets the camera library's exceptions pass. Once frames have
     /// come they mean that the camera is lost, but for those that come when nothing is left to do.
     int runPlugin()
     {
+        const CaptureEnd end(host_);
         std::string what;
         try {
             return plugin_.run();

@@ -11,6 +11,13 @@ HostServices& services()
     return state;
 }
 
+void endCapture(HostServices& host)
+{
+    host.fates.captureEnded();
+    host.signalsKept = false;
+    host.counts.capturing = false;
+}
+
 std::uint64_t steadyUs()
 {
     const auto now = std::chrono::steady_clock::now().time_since_epoch();

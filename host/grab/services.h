@@ -84,6 +84,10 @@ struct HostServices {
 /// The one state of this process.
 HostServices& services();
 
+/// The plug-in's loop has ended, in whatever way: the frame at hand will not be exported any more,
+/// and signals are not looked for. May be called again. Grab thread.
+void endCapture(HostServices& host);
+
 /// Microseconds of a clock that never steps.
 std::uint64_t steadyUs();
 

@@ -86,9 +86,7 @@ void KxGi__ResetTermSigProc()
 
 void KxGi__SetTermSigProc()
 {
-    services().fates.captureEnded();
-    services().signalsKept = false;
-    services().counts.capturing = false;
+    kxhost::endCapture(services());
 }
 
 void KxGi__SetCurrFpsUs(uint32_t periodUs)

@@ -1,7 +1,7 @@
 // A plug-in that hands over one frame, unless told not to, and ends in a way that none should.
 //
 // KX_TEST_ENDING says how: "throw" an exception that no class is derived for, the same "before" the
-// first frame, or "exit" the grab thread.
+// first frame, or "exit" the grab thread; behind "midframe_" with another frame at hand.
 #include <array>
 #include <cstdlib>
 #include <string>
@@ -19,11 +19,11 @@ std::uint32_t gKxLogIdLib = 0;
 namespace {
 
 constexpr std::uint32_t kSide = 2;
+constexpr float kWarm = 40;
 std::array<std::uint8_t, kSide* kSide> pixels = {1, 2, 3, 4};
 
 void handOverOneFrame()
 {
-    constexpr float kWarm = 40;
     KxSc__SetParamVal(kKxScWidth, &kSide);
     KxSc__SetParamVal(kKxScHeight, &kSide);
     KxSc__SetParamVal(kKxScCodec, "MONO8T");
@@ -32,6 +32,12 @@ void handOverOneFrame()
     KxGi__HaltStop(kSide, kSide, kWarm);
     KxGiMemInst__Trigger(0, 0, 1, pixels.data(), 0);
     KxSc__ProcExport(1);
+}
+
+void takeAnotherFrame()
+{
+    KxGi__HaltStop(kSide, kSide, kWarm);
+    KxGiMemInst__Trigger(0, 0, 2, pixels.data(), 0);
 }
 
 } // namespace
@@ -48,7 +54,10 @@ int KxLibProc()
     if (ending != "before") {
         handOverOneFrame();
     }
-    if (ending == "exit") {
+    if (ending.starts_with("midframe_")) {
+        takeAnotherFrame();
+    }
+    if (ending.ends_with("exit")) {
         pthread_exit(nullptr);
     }
     throw 42;

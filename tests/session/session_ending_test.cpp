@@ -17,6 +17,7 @@ struct Ending {
     int code = 0;
     std::string reason;
     std::size_t frames = 0;
+    unsigned unfinished = 0;
 };
 
 class SessionEnding : public testing::TestWithParam<Ending> {};
@@ -33,6 +34,7 @@ TEST_P(SessionEnding, LeavesWhatWasGrabbed)
     EXPECT_EQ(finished.err, "kxhost: " + ending.reason + "\n");
     EXPECT_EQ(session.summary()["reason"], ending.reason);
     EXPECT_EQ(session.frames().size(), ending.frames);
+    EXPECT_EQ(session.summary()["lost"]["unfinished"], ending.unfinished);
     kxtest::expectBalance(session);
 }
 
@@ -43,7 +45,12 @@ INSTANTIATE_TEST_SUITE_P(
                            "unknown kind.",
                            1},
                     Ending{"before", kDefect, "Ended by an exception of an unknown kind.", 0},
-                    Ending{"exit", kDefect, "The plug-in ended its thread.", 1}),
+                    Ending{"exit", kDefect, "The plug-in ended its thread.", 1},
+                    Ending{"midframe_throw", kCamera,
+                           "The camera was lost: the camera library gave it up: an exception of an "
+                           "unknown kind.",
+                           1, 1},
+                    Ending{"midframe_exit", kDefect, "The plug-in ended its thread.", 1, 1}),
     [](const auto& each) { return each.param.how; });
 
 } // namespace
