@@ -232,11 +232,17 @@ private:
         return host_.signals.finishAsked() ? std::optional(askedWhileAway()) : std::nullopt;
     }
 
-    /// The same where no camera can be lost.
+    /// The same where a lost camera is not waited for. One that has delivered frames is not waited
+    /// for as one that has yet to come, either.
     std::optional<GrabResult> endOrWaitForFirst(int code, bool asked)
     {
-        if (asked && host_.absence.isAway) {
+        const bool isGone = endOf(code) == PassEnd::kAbsent && host_.counts.retrieved != 0;
+        if (asked && (host_.absence.isAway || isGone)) {
             return askedWhileAway();
+        }
+        if (isGone) {
+            return GrabResult{kExitCamera,
+                              "The camera was lost: " + signOfLoss(code, host_.absence.why) + "."};
         }
         GrabResult result = describePass(code, asked);
         if ((code == kPassLost || code == kPassThrew) && !asked && !host_.absence.why.empty()) {

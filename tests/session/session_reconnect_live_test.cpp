@@ -25,11 +25,11 @@ std::string busWithDetach(const std::string& more)
                                      more);
 }
 
-/// A call of which one takes the camera off the bus for a moment.
-std::string busWithLossAt(const std::string& call)
+/// A call of which one takes the camera off the bus, for a moment or for good.
+std::string busWithLossAt(const std::string& call, const std::string& back = "back_after = 0.2\n")
 {
     return busWith(TestSensor(), std::string(kSlow) + "[[camera.call_fault]]\noperation = " + call +
-                                     "\ndetach = true\nback_after = 0.2\n");
+                                     "\ndetach = true\n" + back);
 }
 
 LiveGrab::Wanted hasGain(double gainDb)
@@ -125,7 +125,8 @@ TEST(SessionReconnectLive, ALiveChangeThatLosesTheCameraIsInForceWhenItIsBack)
 TEST(SessionReconnectLive, AReloadThatLosesTheCameraIsNotTakenForRefused)
 {
     GrabSession session;
-    session.bus = busWithLossAt("\"SetFormat7Configuration\"\nskip = 1");
+    // It is still away at the next look, also of a machine that is busy.
+    session.bus = busWithLossAt("\"SetFormat7Configuration\"\nskip = 1", "back_after = 1.5\n");
     session.configuration = "[region]\nwidth = 64\n";
     session.set("grab.watch=false");
     LiveGrab grab(session);
@@ -140,6 +141,23 @@ TEST(SessionReconnectLive, AReloadThatLosesTheCameraIsNotTakenForRefused)
     EXPECT_EQ(grab.finish(), 0);
     EXPECT_EQ(grab.process().standardError().find("refused"), std::string::npos)
         << grab.process().standardError();
+}
+
+/// Between the two captures, when nothing fails that the camera would have to answer.
+TEST(SessionReconnectLive, ACameraThatIsGoneAtAReloadEndsAGrabThatDoesNotWait)
+{
+    GrabSession session;
+    session.bus = busWithLossAt("\"Disconnect\"", "");
+    session.configuration = "[region]\nwidth = 64\n";
+    session.settings = {"grab.watch=false", "camera.reconnect=no", "camera.serial=424242"};
+    LiveGrab grab(session);
+    grab.waitForMoreFrames(3);
+    grab.writeConfiguration("[region]\nwidth = 32\n");
+    grab.signal(SIGHUP);
+    grab.waitForMessage("kxhost: The camera was lost: it is not on the bus.");
+    constexpr int kCamera = 5;
+    EXPECT_EQ(grab.process().wait(), kCamera);
+    kxtest::expectBalance(session);
 }
 
 /// A grab of the width 64 is to go on with 32, for which the library throws `times` times; 0 =
