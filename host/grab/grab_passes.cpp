@@ -177,14 +177,22 @@ private:
             return;
         }
         try {
-            host_.choice = narrowed(choice, takeInventory(plugin_))
-                               .value_or(CameraChoice{kNoSuchModel, "", 0});
+            host_.choice = lookFor(choice).value_or(CameraChoice{kNoSuchModel, "", 0});
         } catch (const std::system_error& error) {
             // The grab is worth more than the knowledge, but what is unknown cannot be waited for.
             reconnection_ = Reconnection(0);
             complain(std::string(error.what()) +
                      ": a camera that is lost will not be waited for; camera.serial names one.");
         }
+    }
+
+    /// A camera may fail to answer once. Without time to wait there is no later look at it, so this
+    /// one is repeated.
+    std::optional<CameraChoice> lookFor(const CameraChoice& choice) const
+    {
+        const auto found = narrowed(choice, takeInventory(plugin_));
+        return found || host_.settings.waitSeconds != 0 ? found
+                                                        : narrowed(choice, takeInventory(plugin_));
     }
 
     /// Whether the pass is followed by one with another configuration. Where a camera may be lost,
