@@ -59,7 +59,6 @@ std::optional<std::uint32_t> FrameFates::number() const
 std::optional<LedgerMark> FrameFates::exported()
 {
     if (!atHand_ || !accepted_ || refused_) {
-        refused_ = refused_.value_or(FrameCause::kUnusable);
         settle();
         return {};
     }

@@ -34,8 +34,10 @@ public:
     /// Pixels of the frame at hand were taken, or were not.
     void accepted() { accepted_ = true; }
     void refused(FrameCause cause) { refused_ = cause; }
-    /// The frame at hand is exported. Returns what its record says; nothing = no pixels of it were
-    /// taken, so there is no record.
+    /// Whether the frame at hand has come without pixels: none were taken, and none refused.
+    bool lacksPixels() const { return atHand_ && !accepted_ && !refused_; }
+    /// The frame at hand is exported. Returns what its record says; nothing = its pixels were
+    /// refused, so there is no record.
     std::optional<LedgerMark> exported();
 
     /// A copy as it stands. Any thread.

@@ -218,6 +218,9 @@ void KxSc__InstSetParamVal(int instance, int id, const void* value)
 void KxSc__ProcExport(uint64_t timestampUs)
 {
     HostServices& host = services();
+    if (host.fates.lacksPixels()) {
+        refuse(host, FrameCause::kUnusable);
+    }
     if (const std::optional<kxhost::LedgerMark> mark = host.fates.exported()) {
         ++host.counts.exported;
         kxhost::ScenarioValues values = host.scenario.read();

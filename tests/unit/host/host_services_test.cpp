@@ -432,6 +432,22 @@ TEST_F(HandOver, RefusesFramesThatNobodyCouldRead)
     services().queue = nullptr;
 }
 
+TEST_F(HandOver, AFrameWithoutPixelsIsRefusedOnce)
+{
+    arrive(1); // only starts the timing
+    arrive(2);
+    KxSc__ProcExport(2);
+    EXPECT_EQ(counts().refused, 1U);
+    EXPECT_EQ(counts().exported, 0U);
+    EXPECT_EQ(ledger().causes[FrameCause::kUnusable], 1U);
+    EXPECT_EQ(ledger().imbalance(), 0);
+    arrive(3);
+    EXPECT_NE(KxGiMemInst__Trigger(0, 0, 3, nullptr, 0), 0);
+    KxSc__ProcExport(3);
+    EXPECT_EQ(counts().refused, 2U) << "not for the export again";
+    EXPECT_EQ(ledger().causes[FrameCause::kUnusable], 2U);
+}
+
 TEST_F(HandOver, AnInstanceHasItsOwnCodecUntilThePoolIsNew)
 {
     KxSc__InstSetParamVal(1, kKxScCodec, "UYVY");
