@@ -1,6 +1,7 @@
 // The command line of kxhost.
 #include "command/command_line.h"
 
+#include "base/standard_output.h"
 #include "config/config_keys.h"
 #include "live/live_address.h"
 #include "live/steering_words.h"
@@ -11,6 +12,8 @@
 #include <cstdlib>
 #include <filesystem>
 #include <functional>
+#include <iostream>
+#include <sstream>
 #include <system_error>
 
 namespace kxhost {
@@ -210,7 +213,9 @@ public:
         } catch (const CLI::CallForVersion&) {
             result_.verb = Verb::kVersion;
         } catch (const CLI::Success& success) {
-            return {std::nullopt, app_.exit(success)};
+            std::ostringstream help;
+            const int exitCode = app_.exit(success, help, std::cerr);
+            return {std::nullopt, printReport(help.str(), exitCode)};
         } catch (const CLI::ParseError& mistake) {
             app_.exit(mistake);
             return {std::nullopt, kExitUsage};

@@ -111,8 +111,9 @@ Finished runWithFullOutput(const std::string& arguments)
 
 TEST(SessionVerbs, AReportThatCannotBePrintedIsNoSuccess)
 {
-    for (const char* const arguments : {"check", "version --simulate", "list --simulate",
-                                        "grab --simulate -n 1 --log-level off"}) {
+    for (const char* const arguments :
+         {"--help", "ctl --help", "--version", "check", "version --simulate", "list --simulate",
+          "grab --simulate -n 1 --log-level off"}) {
         const Finished finished = runWithFullOutput(arguments);
         EXPECT_EQ(finished.code, 6) << arguments;
         EXPECT_TRUE(holds(finished.err, "kxhost: Cannot write standard output: No space left on "
