@@ -108,7 +108,7 @@ class LivePage(unittest.TestCase):
             self.assertGreaterEqual(page.status()["frames"]["lost"], 3)
 
     def test_a_lost_camera_is_told_and_its_return(self):
-        fault = '[[camera.fault]]\nkind = "detach"\nframe = 5\ncount = 5\nback_after = 1.0\n'
+        fault = '[[camera.fault]]\nkind = "detach"\nframe = 5\ncount = 1000\nback_after = 1.0\n'
         with grab(bus=BUS.format(rate=50) + fault) as page:
             page.wait("the loss", lambda: page.status()["state"] == "lost")
             page.wait_for_notice(" is lost: ")

@@ -1,14 +1,12 @@
 // The report of a grab: written whatever the end, refused beforehand, true to the summary.
-#include "grab_session.h"
+#include "live_grab.h"
 
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <csignal>
 #include <filesystem>
 #include <regex>
 #include <string>
-#include <thread>
 
 namespace {
 
@@ -90,13 +88,9 @@ frame = 4
 
 TEST_F(SessionReport, IsWrittenWhenTheGrabIsTerminated)
 {
-    session_.set("grab.frames=0");
-    const auto process = session_.start();
-    while (session_.frames().size() < 3) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    }
-    process->signal(SIGTERM);
-    EXPECT_EQ(process->wait(), kFine);
+    kxtest::LiveGrab grab(session_);
+    grab.waitForMoreFrames(3);
+    EXPECT_EQ(grab.finish(SIGTERM), kFine);
     EXPECT_TRUE(says("Finished as asked by a signal."));
     EXPECT_EQ(value("ledger-delivered"), session_.summary()["ledger"]["delivered"]);
 }
