@@ -126,7 +126,8 @@ public:
                                     unsigned int halfPeriodUs, bool idleHigh, bool withParity);
 
     // ---- Lines of the I/O box. Records, exposure time and the flags that say so are shared by
-    // grab thread and control thread, through kx_pg_shared.h only.
+    // grab thread and control thread, through kx_pg_shared.h; only a word's one writer may also
+    // read it plainly.
 
     /// The pins as they are, and each as it was before it was configured last.
     std::array<IoPinState, kPgPinCount> ioPinState;

@@ -1,7 +1,7 @@
 // The settings of [[iobox]]: errors, hints and meanings.
 #include "config/config_hints.h"
 #include "config/config_iobox.h"
-#include "host_config_fixture.h"
+#include "config_fixture.h"
 #include "kx_pg_line_rx.h"
 
 #include <ostream>

@@ -1,6 +1,6 @@
 // Hints about keys that have no effect where they are.
 #include "config/config_hints.h"
-#include "host_config_fixture.h"
+#include "config_fixture.h"
 
 #include <ostream>
 

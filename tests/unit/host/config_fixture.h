@@ -1,6 +1,6 @@
 // Reads configurations for tests, good ones and bad ones.
-#ifndef KX_TESTS_HOST_CONFIG_FIXTURE_H
-#define KX_TESTS_HOST_CONFIG_FIXTURE_H
+#ifndef KX_TESTS_CONFIG_FIXTURE_H
+#define KX_TESTS_CONFIG_FIXTURE_H
 
 #include "config/config.h"
 

@@ -1,6 +1,6 @@
 // What kxhost check prints: each value with its meaning, as a file that can be read again.
 #include "config/config_meaning.h"
-#include "host_config_fixture.h"
+#include "config_fixture.h"
 
 #include <ostream>
 

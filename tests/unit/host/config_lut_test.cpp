@@ -1,5 +1,5 @@
 // The look-up table of a configuration: its three sources, and what is wrong with them.
-#include "host_config_fixture.h"
+#include "config_fixture.h"
 #include "temporary_folder.h"
 
 #include <numeric>

@@ -1,6 +1,6 @@
 // Reading configurations: every key, every kind of mistake.
 #include "config/config_value.h"
-#include "host_config_fixture.h"
+#include "config_fixture.h"
 
 namespace kxhost {
 namespace {

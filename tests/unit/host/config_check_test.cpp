@@ -1,5 +1,5 @@
 // What configuration keys demand of each other.
-#include "host_config_fixture.h"
+#include "config_fixture.h"
 
 namespace kxhost {
 namespace {
