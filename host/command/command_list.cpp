@@ -18,6 +18,9 @@ int commandList(const CommandLine& commandLine)
     } catch (const LoadError& error) {
         complain(error.what());
         return error.exitCode();
+    } catch (const PluginThrew& error) {
+        complain(error.what());
+        return kExitCamera;
     }
 }
 

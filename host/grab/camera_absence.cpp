@@ -2,6 +2,7 @@
 #include "grab/camera_absence.h"
 
 #include "base/notice.h"
+#include "grab/plugin_log.h"
 #include "grab/services.h"
 
 #include <algorithm>
@@ -67,6 +68,7 @@ void isBack(HostServices& host, const FrameShape& shape, double secondsAway)
     if (before && *before != shape) {
         host.absence.unfit = nameOfCamera(host) + " came back with frames of " + text(shape) +
                              " instead of " + text(*before) + ".";
+        logErrorsOnly(host);
         throw CameraLost(host.absence.unfit);
     }
     host.absence.isAway = false;

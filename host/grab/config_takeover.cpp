@@ -3,7 +3,7 @@
 
 #include "base/notice.h"
 #include "config/config_change.h"
-#include "grab/plugin.h"
+#include "grab/plugin_log.h"
 #include "grab/services.h"
 
 #include <cstddef>
@@ -43,11 +43,7 @@ void applied(HostServices& host, ChangeKind kind, std::vector<KeyValue> changed)
     if (host.settings.lutMode != kSweepKeep) {
         host.computedTable = kNoSignal; // the configuration says which table there is
     }
-    if (host.plugin != nullptr) {
-        host.plugin->setLogging(static_cast<std::uint32_t>(host.settings.logLevel),
-                                static_cast<std::uint32_t>(host.settings.logSinks),
-                                host.settings.logId);
-    }
+    logAsConfigured(host);
 }
 
 std::string reloaded(const ConfigOffer& offer)

@@ -10,7 +10,6 @@
 #include "grab/services.h"
 
 #include <chrono>
-#include <exception>
 #include <string>
 #include <system_error>
 #include <utility>
@@ -107,10 +106,6 @@ public:
 private:
     int pass()
     {
-        if (reconnection_.isOn() && host_.counts.retrieved == 0) {
-            identify();
-        }
-        host_.scenario = {}; // what was published lay in the memory of the session before
         host_.absence.why.clear();
         ++host_.counts.passes;
         const int code = runPlugin();
@@ -139,22 +134,16 @@ private:
     int runPlugin()
     {
         const CaptureEnd end(host_);
-        std::string what;
         try {
+            if (reconnection_.isOn() && host_.counts.retrieved == 0) {
+                identify();
+            }
+            host_.scenario = {}; // what was published lay in the memory of the session before
             return plugin_.run();
-        } catch (const std::exception& error) {
-            if (host_.counts.retrieved == 0) {
-                throw;
-            }
-            what = error.what();
-        } catch (...) {
-            // A thread that is being ended unwinds without an exception and cannot be held up.
-            if (host_.counts.retrieved == 0 || !std::current_exception()) {
-                throw;
-            }
-            what = kForeignException;
+        } catch (const PluginThrew& error) {
+            threw_ = error.what();
+            host_.absence.why = "the camera library gave it up: " + error.thrown();
         }
-        host_.absence.why = "the camera library gave it up: " + what;
         return isDone() ? kPassFine : kPassThrew;
     }
 
@@ -253,7 +242,10 @@ private:
                               "The camera was lost: " + signOfLoss(code, host_.absence.why) + "."};
         }
         GrabResult result = describePass(code, asked);
-        if ((code == kPassLost || code == kPassThrew) && !asked && !host_.absence.why.empty()) {
+        if (code == kPassThrew && host_.counts.retrieved == 0) {
+            result.reason = threw_;
+        } else if ((code == kPassLost || code == kPassThrew) && !asked &&
+                   !host_.absence.why.empty()) {
             result.reason = "The camera was lost: " + host_.absence.why + ".";
         }
         if (result.exitCode == kExitNoCamera && !patience_.isOver()) {
@@ -276,6 +268,7 @@ private:
     Patience patience_{host_.settings.waitSeconds};
     Reconnection reconnection_{host_.settings.reconnectSeconds};
     bool isRefused_ = false; ///< the last pass could not set the camera up
+    std::string threw_;      ///< the last exception that came out of a pass, as a sentence
 };
 
 } // namespace

@@ -9,9 +9,6 @@
 
 namespace kxhost {
 
-/// What is said of an exception that is no std::exception.
-inline constexpr const char* kForeignException = "an exception of an unknown kind";
-
 /// How a run ended.
 struct GrabResult {
     ExitCode exitCode = kExitFine;

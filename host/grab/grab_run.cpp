@@ -150,11 +150,6 @@ void runToTheEnd(const Plugin& plugin, Outcome& outcome)
         outcome.result = runPasses(plugin);
     } catch (const std::exception& error) {
         outcome.result = {kExitInternal, std::string("Ended by an exception: ") + error.what()};
-    } catch (...) {
-        if (!std::current_exception()) {
-            throw; // a thread that ends unwinds without one: who holds it up ends the process
-        }
-        outcome.result = {kExitInternal, std::string("Ended by ") + kForeignException + "."};
     }
 }
 

@@ -1,6 +1,7 @@
 // Asks the plug-in which cameras are on the buses.
 #include "grab/inventory_pass.h"
 
+#include "grab/plugin_log.h"
 #include "grab/services.h"
 
 #include <array>
@@ -54,20 +55,35 @@ private:
     int output_;
 };
 
+/// While it lives, the plug-in chooses no camera and tells of each.
+class AskedOnly {
+public:
+    explicit AskedOnly(const Plugin& plugin) : plugin_(plugin)
+    {
+        constexpr std::uint32_t kInfo = 3;
+        constexpr std::uint32_t kStandardOutput = 1;
+        services().choice = CameraChoice{kNoSuchModel, "", 0};
+        plugin.setLogging(kInfo, kStandardOutput, 0);
+    }
+    ~AskedOnly()
+    {
+        services().choice.reset();
+        logAsConfigured(plugin_, services().settings);
+    }
+    AskedOnly(const AskedOnly&) = delete;
+    AskedOnly& operator=(const AskedOnly&) = delete;
+
+private:
+    const Plugin& plugin_;
+};
+
 } // namespace
 
 std::vector<InventoryCamera> takeInventory(const Plugin& plugin)
 {
-    constexpr std::uint32_t kInfo = 3;
-    constexpr std::uint32_t kStandardOutput = 1;
-    HostServices& host = services();
     const CapturedOutput output;
-    host.choice = CameraChoice{kNoSuchModel, "", 0};
-    plugin.setLogging(kInfo, kStandardOutput, 0);
+    const AskedOnly asked(plugin);
     plugin.run();
-    host.choice.reset();
-    plugin.setLogging(static_cast<std::uint32_t>(host.settings.logLevel),
-                      static_cast<std::uint32_t>(host.settings.logSinks), host.settings.logId);
     return readInventory(output.text());
 }
 

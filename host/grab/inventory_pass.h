@@ -11,8 +11,9 @@ namespace kxhost {
 
 /// Runs one pass of the plug-in that chooses no camera, and reads what it logs meanwhile, which
 /// nobody else sees. Connects each camera for a moment. Afterwards the choice of a camera and the
-/// logging are those of the settings of `services()`. Throws std::system_error when there is no
-/// memory to catch the log. For the grab thread, outside of a pass.
+/// logging are those of the settings of `services()`, however it ends. Throws std::system_error
+/// when there is no memory to catch the log, and what Plugin::run throws. For the grab thread,
+/// outside of a pass.
 std::vector<InventoryCamera> takeInventory(const Plugin& plugin);
 
 } // namespace kxhost

@@ -5,6 +5,7 @@
 
 #include <atomic>
 #include <cstdlib>
+#include <exception>
 #include <filesystem>
 
 #include <dlfcn.h>
@@ -129,6 +130,21 @@ Plugin::Plugin(const PluginChoice& choice)
     find(plugin, "gKxLogLevelLib", path, logLevel_);
     find(plugin, "gKxLogModeLib", path, logSinks_);
     find(plugin, "gKxLogIdLib", path, logId_);
+}
+
+int Plugin::run() const
+{
+    try {
+        return process_();
+    } catch (const std::exception& error) {
+        throw PluginThrew(error.what());
+    } catch (...) {
+        // A thread that is being ended unwinds without an exception and cannot be held up.
+        if (!std::current_exception()) {
+            throw;
+        }
+        throw PluginThrew(kForeignException);
+    }
 }
 
 void Plugin::setLogging(std::uint32_t level, std::uint32_t sinks, std::uint32_t id) const

@@ -30,6 +30,23 @@ struct PluginChoice {
     std::string bus;           ///< file that describes them; empty = the built-in default
 };
 
+/// What comes out of a pass that throws something other than std::exception.
+inline constexpr const char* kForeignException = "an exception of an unknown kind";
+
+/// The camera library or the plug-in has thrown out of a pass; one sentence.
+class PluginThrew : public std::runtime_error {
+public:
+    explicit PluginThrew(const std::string& thrown)
+        : std::runtime_error("The camera library or the driver threw: " + thrown + "."),
+          thrown_(thrown)
+    {}
+    /// The text of the exception.
+    const std::string& thrown() const { return thrown_; }
+
+private:
+    std::string thrown_;
+};
+
 /// The loaded plug-in. It is never unloaded: its camera library keeps threads and exit handlers.
 class Plugin {
 public:
@@ -39,8 +56,9 @@ public:
 
     /// The plug-in's version text.
     const char* version() const { return getVersion_(); }
-    /// One pass; blocks until it ends. Only one at a time.
-    int run() const { return process_(); }
+    /// One pass; blocks until it ends. Only one at a time. Throws PluginThrew for whatever comes
+    /// out of it.
+    int run() const;
     /// Sets what the plug-in logs; any thread, at any time.
     void setLogging(std::uint32_t level, std::uint32_t sinks, std::uint32_t id) const;
 

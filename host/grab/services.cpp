@@ -1,6 +1,8 @@
 // The one state of the host in this process.
 #include "grab/services.h"
 
+#include "grab/plugin_log.h"
+
 #include <chrono>
 
 namespace kxhost {
@@ -13,6 +15,7 @@ HostServices& services()
 
 void endCapture(HostServices& host)
 {
+    logAsConfigured(host);
     host.fates.captureEnded();
     host.signalsKept = false;
     host.counts.capturing = false;

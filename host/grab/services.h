@@ -28,7 +28,7 @@ namespace kxhost {
 class Plugin;
 
 /// Thrown through the grab loop when the end was asked for and no frame comes that would take
-/// the loop to its signal step.
+/// the loop to its signal step. As with CameraLost, `logErrorsOnly` comes first.
 class NoFrameToStopAt : public std::runtime_error {
 public:
     NoFrameToStopAt() : std::runtime_error("asked to finish while no frame arrives") {}
@@ -85,7 +85,8 @@ struct HostServices {
 HostServices& services();
 
 /// The plug-in's loop has ended, in whatever way: the frame at hand will not be exported any more,
-/// and signals are not looked for. May be called again. Grab thread.
+/// signals are not looked for, and the plug-in logs as configured. May be called again. Grab
+/// thread.
 void endCapture(HostServices& host);
 
 /// Microseconds of a clock that never steps.

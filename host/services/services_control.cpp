@@ -2,6 +2,7 @@
 #include "base/notice.h"
 #include "config/config_change.h"
 #include "grab/config_takeover.h"
+#include "grab/plugin_log.h"
 #include "grab/services.h"
 #include "services/service_exports.h"
 
@@ -130,10 +131,12 @@ void KxGi__HaltUpdate(int, float celsius)
     host.history.retrievalEnded(kxhost::wallUs());
     host.signals.frameMissing();
     if (host.signals.finishPending() && ++host.missingInRow >= kMissingUntilThrow) {
+        kxhost::logErrorsOnly(host);
         throw kxhost::NoFrameToStopAt();
     }
     host.absence.why = kxhost::whyLost(host, isTemperature(celsius));
     if (!host.absence.why.empty()) {
+        kxhost::logErrorsOnly(host);
         throw kxhost::CameraLost(host.absence.why);
     }
 }

@@ -1,4 +1,4 @@
-// A plug-in that ends by what is no std::exception: kxhost writes what it has and says so.
+// A plug-in that ends by an exception or by its thread: kxhost writes what it has and says so.
 #include "grab_session.h"
 
 #include <gtest/gtest.h>
@@ -44,7 +44,10 @@ INSTANTIATE_TEST_SUITE_P(
                            "The camera was lost: the camera library gave it up: an exception of an "
                            "unknown kind.",
                            1},
-                    Ending{"before", kDefect, "Ended by an exception of an unknown kind.", 0},
+                    Ending{"before", kCamera,
+                           "The camera library or the driver threw: an exception of an unknown "
+                           "kind.",
+                           0},
                     Ending{"exit", kDefect, "The plug-in ended its thread.", 1},
                     Ending{"midframe_throw", kCamera,
                            "The camera was lost: the camera library gave it up: an exception of an "

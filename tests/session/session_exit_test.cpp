@@ -131,6 +131,42 @@ TEST(SessionExit, CameraWhenItIsNotPowered)
     expectOneSentence(finished.err, "power");
 }
 
+/// A bus whose camera's library throws where it is configured.
+std::string busThatThrows(const std::string& operation)
+{
+    return busWith(TestSensor(), "[[camera.call_fault]]\noperation = \"" + operation +
+                                     "\"\ncount = 0\nthrows = \"library gave up\"\n");
+}
+
+TEST(SessionExit, CameraWhenItsLibraryThrowsBeforeTheFirstFrame)
+{
+    GrabSession session;
+    session.set("output.overwrite=true");
+    // The second is called also where the cameras are asked who they are, ahead of the grab.
+    for (const char* const operation : {"SetFormat7Configuration", "GetCameraInfo"}) {
+        for (const char* const reconnect : {"no", "forever"}) {
+            session.bus = busThatThrows(operation);
+            session.arguments = {"--reconnect", reconnect};
+            const Finished finished = session.run();
+            EXPECT_EQ(finished.code, kCamera) << operation << " " << reconnect;
+            EXPECT_EQ(finished.err,
+                      "kxhost: The camera library or the driver threw: library gave up.\n");
+            EXPECT_EQ(session.summary()["reason"],
+                      "The camera library or the driver threw: library gave up.");
+        }
+    }
+}
+
+TEST(SessionExit, CameraWhenItsLibraryThrowsInAList)
+{
+    const kxtest::TemporaryFolder folder;
+    kxtest::writeText(folder.file("bus.toml"), busThatThrows("GetCameraInfo"));
+    const Finished finished =
+        kxtest::run({kxhostPath(), "list", "--simulate=" + folder.file("bus.toml")});
+    EXPECT_EQ(finished.code, kCamera);
+    EXPECT_EQ(finished.err, "kxhost: The camera library or the driver threw: library gave up.\n");
+}
+
 TEST(SessionExit, ExportWhenTheFolderCannotBeMade)
 {
     GrabSession session;

@@ -53,6 +53,33 @@ TEST(SessionSignals, FinishesAlsoWhileItWaitsForACamera)
     EXPECT_EQ(session.summary()["reason"], "Finished as asked by a signal, before a camera came.");
 }
 
+/// A grab that is told to end while no frame comes, and what it has printed.
+void expectQuietEnd(const std::string& level)
+{
+    SCOPED_TRACE(level);
+    GrabSession session;
+    session.quiet = false;
+    session.set("log.level=" + level);
+    session.bus = kxtest::busWith({}, "register_time_us = 2000\n[[camera.fault]]\n"
+                                      "kind = \"error\"\nframe = 4\ncount = 100000\n");
+    LiveGrab grab(session);
+    grab.waitForMoreFrames(3);
+    EXPECT_EQ(grab.finish(SIGINT), 0);
+    const std::string out = grab.process().standardOutput();
+    const std::string all = out + grab.process().standardError();
+    EXPECT_EQ(all.find("exception"), all.npos) << all;
+    EXPECT_EQ(session.summary()["reason"],
+              "Finished as asked by a signal, while no frame arrived.");
+    // What the plug-in says of the end is there again.
+    EXPECT_EQ(out.find("grabbing loop is completed") != out.npos, level == "info") << out;
+}
+
+TEST(SessionSignals, AnEndWhileNoFrameComesIsNoAlarm)
+{
+    expectQuietEnd("warning");
+    expectQuietEnd("info");
+}
+
 TEST(SessionSignals, FinishesAlsoWhenEveryRetrievalFails)
 {
     GrabSession session;
