@@ -2,7 +2,7 @@
 # shellcheck shell=bash
 
 _kxhost_verbs() {
-    kxhost --help 2>/dev/null | sed -n '/^Subcommands:/,/^$/s/^  \([a-z]\{1,\}\) .*/\1/p'
+    kxhost --help 2>/dev/null | sed -n '/^Verbs:/,/^$/s/^  \([a-z]\{1,\}\) .*/\1/p'
 }
 
 # Options of a verb.

@@ -15,6 +15,28 @@
 namespace kxhost {
 namespace {
 
+bool takesText(const Key* key)
+{
+    return key != nullptr && (std::holds_alternative<TextRule>(key->rule) ||
+                              std::holds_alternative<FileRule>(key->rule));
+}
+
+/// What stands behind the equals sign: TOML, or a bare word that is taken as a text. Where a text
+/// belongs, 2024-05-01 is one too and no date. Throws what is wrong with bytes that are no UTF-8,
+/// which no configuration could hold.
+toml::table parseValue(const std::string& text, const Key* key)
+{
+    try {
+        toml::table value = toml::parse("value = " + text);
+        if (!takesText(key) || value.get("value")->is_string()) {
+            return value;
+        }
+    } catch (const toml::parse_error&) {
+        // Not TOML, so it is a text.
+    }
+    return toml::parse("value = " + tomlText(text));
+}
+
 /// Reads tables into a configuration and collects what is wrong with them.
 class Reader {
 public:
@@ -54,7 +76,7 @@ public:
         const std::string name = assignment.substr(dot + 1, equals - dot - 1);
         try {
             const toml::table value =
-                parseValue(assignment.substr(equals + 1), takesText(section, name));
+                parseValue(assignment.substr(equals + 1), findKey(section, name));
             readKey(section, name, *value.get("value"), 0);
         } catch (const toml::parse_error& error) {
             report({}, std::string(error.description()));
@@ -62,29 +84,6 @@ public:
     }
 
 private:
-    /// What stands behind the equals sign: TOML, or a bare word that is taken as a text. Where a
-    /// text belongs, 2024-05-01 is one too and no date. Throws what is wrong with bytes that are no
-    /// UTF-8, which no configuration could hold.
-    static toml::table parseValue(const std::string& text, bool asText)
-    {
-        try {
-            toml::table value = toml::parse("value = " + text);
-            if (!asText || value.get("value")->is_string()) {
-                return value;
-            }
-        } catch (const toml::parse_error&) {
-            // Not TOML, so it is a text.
-        }
-        return toml::parse("value = " + tomlText(text));
-    }
-
-    static bool takesText(std::string_view section, std::string_view name)
-    {
-        const Key* key = findKey(section, name);
-        return key != nullptr && (std::holds_alternative<TextRule>(key->rule) ||
-                                  std::holds_alternative<FileRule>(key->rule));
-    }
-
     void readSection(std::string_view section, const toml::node& node)
     {
         if (section == kIoboxSection) {
@@ -285,6 +284,17 @@ ConfigErrors readConfiguration(std::string_view text, const std::string& name,
         result = std::move(configuration);
     }
     return errors;
+}
+
+std::string whyNoValue(const Key& key, const std::string& text)
+{
+    Settings scratch;
+    try {
+        const toml::table value = parseValue(text, &key);
+        return assignValue(key.rule, *value.get("value"), {}, key.slot(scratch, 0));
+    } catch (const toml::parse_error& error) {
+        return printable(error.description());
+    }
 }
 
 const GivenKey* findGiven(const Configuration& configuration, std::string_view section,

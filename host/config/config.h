@@ -37,6 +37,10 @@ ConfigErrors readConfiguration(std::string_view text, const std::string& name,
                                const std::string& folder, const std::vector<std::string>& overrides,
                                Configuration& result);
 
+/// Why `text` is no value for a key outside of [[iobox]], as overrides write values; empty = it is
+/// one.
+std::string whyNoValue(const Key& key, const std::string& text);
+
 /// How `given` names the key `section.name` at `index`; null = it was not set.
 const GivenKey* findGiven(const Configuration& configuration, std::string_view section,
                           std::string_view name, std::size_t index = 0);

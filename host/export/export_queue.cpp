@@ -139,7 +139,8 @@ std::string ExportQueue::Impl::start()
         const std::string earlier = settings_.overwrite ? "" : findEarlierFile(settings_);
         if (!earlier.empty()) {
             return "The folder " + settings_.folder + " holds frames of an earlier grab (" +
-                   earlier + "): name another folder, or allow to overwrite them.";
+                   earlier +
+                   "): name another folder, or overwrite them (--set output.overwrite=true).";
         }
         removeLeftovers(settings_.folder,
                         [this](const std::string& name) { return isPictureName(settings_, name); });

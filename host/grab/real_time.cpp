@@ -42,8 +42,8 @@ std::string realTimeTrouble(const Settings& settings)
                : "The settings of [[iobox]] will have no effect: this process may not run a "
                  "thread with real-time priority " +
                      std::to_string(kPriority) + " (" + std::generic_category().message(error) +
-                     "). Give it the limit rtprio " + std::to_string(kPriority) +
-                     ", as docs/iobox.md says; the grab goes on without.";
+                     "). \"kxhost doctor\" says how to give it the limit rtprio " +
+                     std::to_string(kPriority) + "; the grab goes on without.";
 }
 
 } // namespace kxhost

@@ -40,7 +40,7 @@ for page in $pages; do
     shown_text "$page" | LC_ALL=C.UTF-8 grep -E '^.{81,}' && fail "$page is too wide"
 done
 
-mapfile -t verbs < <("$build/kxhost" --help | sed -n '/^Subcommands:/,/^$/s/^  \([a-z]\+\) .*/\1/p')
+mapfile -t verbs < <("$build/kxhost" --help | sed -n '/^Verbs:/,/^$/s/^  \([a-z]\+\) .*/\1/p')
 printf '%s\n' "${verbs[@]}" | grep -q -x grab || fail "no verbs in the help"
 {
     printf '%s\n' "${verbs[@]}"

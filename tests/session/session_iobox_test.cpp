@@ -27,9 +27,8 @@ constexpr const char* kStrobeOn =
 constexpr const char* kNeverAnswers = "[[camera.io_box.reply]]\ncommand = 77\nword = 1\nbits = 2\n";
 constexpr const char* kNoRealTime =
     "kxhost: The settings of [[iobox]] will have no effect: this process may not run a thread with "
-    "real-time priority 98 (Operation not permitted). Give it the limit rtprio 98, as "
-    "docs/iobox.md "
-    "says; the grab goes on without.";
+    "real-time priority 98 (Operation not permitted). \"kxhost doctor\" says how to give it the "
+    "limit rtprio 98; the grab goes on without.";
 constexpr const char* kRestored = "restored strob";
 /// A quarter of a frame.
 constexpr auto kStall = std::chrono::milliseconds(4);

@@ -273,7 +273,7 @@ TEST(ExportQueue, FramesOfAnEarlierGrabAreNotReplacedUnasked)
     EXPECT_EQ(ExportQueue(settings).start(),
               "The folder " + settings.folder +
                   " holds frames of an earlier grab (frame_000001.raw): name another folder, or "
-                  "allow to overwrite them.");
+                  "overwrite them (--set output.overwrite=true).");
     settings.overwrite = true;
     ExportQueue queue(settings);
     ASSERT_EQ(queue.start(), "");

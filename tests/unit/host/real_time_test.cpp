@@ -47,8 +47,8 @@ TEST(RealTime, WhoMayNotHaveItIsTold)
     settings.iobox.resize(1);
     EXPECT_EQ(troubleWithoutRight(settings),
               "The settings of [[iobox]] will have no effect: this process may not run a thread "
-              "with real-time priority 98 (Operation not permitted). Give it the limit rtprio 98, "
-              "as docs/iobox.md says; the grab goes on without.");
+              "with real-time priority 98 (Operation not permitted). \"kxhost doctor\" says how "
+              "to give it the limit rtprio 98; the grab goes on without.");
 }
 
 TEST(RealTime, WithoutLinesNobodyNeedsIt)
