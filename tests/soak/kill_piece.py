@@ -21,20 +21,37 @@ def _description():
 
 
 def _killed(kxhost, folder, picture_format, chance):
-    """Output folder of a grab that is killed, and what is wrong with that.
+    """Output folder of a grab that is killed, whether a frame was there, and what is wrong.
 
     One in four kills may come before the first frame.
     """
+    has_frame = False
     with grab.Grab(kxhost, folder, _description(), "",
                    [f"output.format={picture_format}", "output.overwrite=true",
                     "log.level=error"]) as running:
         if chance.randrange(4) != 0:
-            running.wait_for_frames()
+            has_frame = running.wait_for_frames()
         time.sleep(chance.uniform(0, LATEST_S))
         ended = not running.runs()
         running.signal(signal.SIGKILL)
         running.wait()
-        return running.output, [f"it had ended: {running.messages()}"] if ended else []
+        wrong = [f"it had ended: {running.messages()}"] if ended else []
+        return running.output, has_frame, wrong
+
+
+def missing(figures, has_frame):
+    """What a kill behind the first frame must leave, and has not."""
+    if not has_frame:
+        return []
+    return [f"of the frame that was there no {kind} is left"
+            for kind, count in (("line", figures["lines"]), ("picture", figures["pictures"]))
+            if count == 0]
+
+
+def too_little(total):
+    """What is wrong with kills that have all found nothing: they show nothing."""
+    return [f"{total['kills']} kills have left no {kind} at all"
+            for kind in ("lines", "pictures") if total[kind] == 0]
 
 
 def _left(output):
@@ -79,10 +96,11 @@ def run(kxhost, folder, seed, times):
     for i in range(times):
         place = os.path.join(folder, str(i))
         picture_format = chance.choice(FORMATS)
-        output, wrong = _killed(kxhost, place, picture_format, chance)
+        output, has_frame, wrong = _killed(kxhost, place, picture_format, chance)
         figures, also_wrong = _left(output)
         total["kills"] += 1
         for name, count in figures.items():
             total[name] += count
-        found += wrong + also_wrong + _next(kxhost, place, picture_format)
-    return total, found
+        found += wrong + also_wrong + missing(figures, has_frame)
+        found += _next(kxhost, place, picture_format)
+    return total, found + too_little(total)

@@ -17,16 +17,19 @@ import time
 import disk_piece
 import kill_piece
 import load_piece
+import sessions_piece
 import soak_piece
 
 
 def parse():
     parser = argparse.ArgumentParser(prog="dev soak", description=__doc__)
     parser.add_argument("--kxhost", required=True, help=argparse.SUPPRESS)
+    parser.add_argument("--tests", required=True, help=argparse.SUPPRESS)
     parser.add_argument("--minutes", type=float, default=60, metavar="N",
                         help="length of the soak (default: 60)")
     parser.add_argument("--short", action="store_true",
-                        help="two minutes: all at the same time, load of seconds, 10 kills")
+                        help="two minutes: all at the same time, load of seconds, 10 kills, no "
+                             "sessions in real time")
     parser.add_argument("--seed", type=int, default=random.randrange(1 << 32),
                         help="of faults, actions and kills (default: another one each time)")
     parser.add_argument("--only", metavar="PIECE", help="only pieces whose names hold this")
@@ -46,6 +49,11 @@ def pieces_of(arguments, folder):
     beside |= {f"full disk, {kind}": (disk_piece.run_full, host, place(f"full {kind}"), kind)
                for kind in ("png", "raw")}
     beside["kills"] = (kill_piece.run, host, place("kills"), seed, kills)
+    suites = {"sessions": ("conformance_test", "ControlSessionsTest")}
+    if not arguments.short:  # with the scheduler as it is they take half a second each
+        suites["sessions, real time"] = ("real_time_sessions_test", "RealTimeSessionsTest")
+    beside |= {name: (sessions_piece.run, os.path.join(arguments.tests, program), suite)
+               for name, (program, suite) in suites.items()}
     beside["soak"] = (soak_piece.run, host, place("soak"), seed, seconds)
     chosen = lambda pieces: {name: call for name, call in pieces.items()
                              if arguments.only is None or arguments.only in name}
