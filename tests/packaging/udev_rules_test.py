@@ -5,8 +5,6 @@ those is an error here.
 """
 import os
 import re
-import shutil
-import subprocess
 import sys
 import unittest
 
@@ -82,15 +80,6 @@ class UdevRules(unittest.TestCase):
 
     def test_number_lies_before_the_rules_that_act_on_uaccess(self):
         self.assertLess(os.path.basename(RULES), "73-seat-late.rules")
-
-    def test_udev_itself_has_no_complaint(self):
-        udevadm = shutil.which("udevadm")
-        if udevadm is None or subprocess.run([udevadm, "verify", "--help"], check=False,
-                                             capture_output=True).returncode != 0:
-            self.skipTest("there is no udevadm that verifies rules")
-        verified = subprocess.run([udevadm, "verify", "--resolve-names=never", RULES], check=False,
-                                  capture_output=True, text=True)
-        self.assertEqual(verified.returncode, 0, verified.stdout + verified.stderr)
 
 
 if __name__ == "__main__":
