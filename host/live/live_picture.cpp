@@ -66,7 +66,7 @@ bool LivePicture::takeFresh(Clock::time_point now)
 
 HttpAnswer LivePicture::png(const HttpRequest& request)
 {
-    const Clock::time_point now = Clock::now();
+    const Clock::time_point now = tap_.now();
     if (frame_.number != 0 && now - frame_.come < kPicturePeriod) {
         return encoded();
     }
@@ -98,7 +98,7 @@ HttpReply LivePicture::histogram()
     if (frame_.number == 0) {
         return nothingYet();
     }
-    const Clock::time_point now = Clock::now();
+    const Clock::time_point now = tap_.now();
     if (histogramFrame_ != frame_.number && now >= histogramDue_) {
         const FrameInfo& info = frame_.info;
         histogram_ = histogramOf(*findCodec(info.codec), info.width, info.height,

@@ -30,7 +30,7 @@ public:
     const LiveFrame& shown() const { return frame_; }
 
 private:
-    using Clock = std::chrono::steady_clock;
+    using Clock = LiveTap::Clock;
 
     bool takeFresh(Clock::time_point now);
     HttpReply encoded();

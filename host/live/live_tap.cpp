@@ -27,7 +27,7 @@ void LiveTap::keep(const TappedFrame& frame)
     frame_.info = frame.info;
     frame_.values = frame.values;
     frame_.pixels.assign(frame.pixels.begin(), frame.pixels.end());
-    frame_.come = std::chrono::steady_clock::now();
+    frame_.come = now();
     frame_.number = frame.number;
 }
 

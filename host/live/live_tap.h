@@ -47,6 +47,13 @@ struct LiveLosses {
 /// that.
 class LiveTap : public ExportTap {
 public:
+    using Clock = std::chrono::steady_clock;
+    /// Tells the time, on any thread.
+    using Now = Clock::time_point (*)();
+
+    explicit LiveTap(Now clock = Clock::now) : now_(clock) {}
+    Clock::time_point now() const { return now_(); }
+
     /// `come` is called on a writer's thread when a frame that was asked for has come. Set it
     /// before frames come.
     void whenCome(std::function<void()> come) { come_ = std::move(come); }
@@ -68,6 +75,7 @@ private:
     void keep(const TappedFrame& frame);
     void note(const LossBefore& loss);
 
+    Now now_;
     std::atomic<bool> isWanted_ = false;
     std::function<void()> come_ = [] {};
 

@@ -5,8 +5,8 @@
 #include <nlohmann/json.hpp>
 
 #include <cerrno>
+#include <chrono>
 #include <csignal>
-#include <thread>
 
 namespace kxhost {
 namespace {
@@ -35,11 +35,15 @@ protected:
         tap_.look({number, info, pixels, {}});
     }
 
+    /// The time stands still but for this.
+    static void timePasses(std::chrono::milliseconds time) { now_ += time; }
+
+    static inline LiveTap::Clock::time_point now_{1h};
     PendingSignals signals_;
     std::vector<int> raised_;
     int error_ = 0; ///< of raising
     std::optional<LiveEnd> end_;
-    LiveTap tap_;
+    LiveTap tap_{[] { return now_; }};
     LivePicture picture_{tap_};
     LiveSteering steering_{signals_, [this](int signal) {
                                raised_.push_back(signal);
@@ -185,7 +189,10 @@ TEST_F(LiveRoutesTest, WhoLooksTogetherSharesAPictureAndALaterOneIsNew)
     const std::string first = get("/frame.png").body;
     EXPECT_EQ(get("/frame.png").body, first);
     EXPECT_FALSE(tap_.wantsPixels()) << "the picture is of this moment";
-    std::this_thread::sleep_for(210ms);
+    timePasses(199ms);
+    EXPECT_EQ(get("/frame.png").body, first);
+    EXPECT_FALSE(tap_.wantsPixels());
+    timePasses(1ms);
     EXPECT_TRUE(std::holds_alternative<HttpLater>(ask("GET", "/frame.png", false)));
     frameComes(9, 20);
     EXPECT_NE(get("/frame.png").body, first);
@@ -196,11 +203,19 @@ TEST_F(LiveRoutesTest, AFrameThatNobodyFetchedInTimeIsNotShown)
 {
     ask("GET", "/frame.png", false);
     frameComes(5, 200);
-    std::this_thread::sleep_for(510ms);
+    timePasses(500ms);
     EXPECT_TRUE(std::holds_alternative<HttpLater>(ask("GET", "/frame.png", false)));
     EXPECT_TRUE(tap_.wantsPixels());
     frameComes(99, 200);
     EXPECT_EQ(get("/frame.png").headers.front().second, "99");
+}
+
+TEST_F(LiveRoutesTest, AFrameThatIsFetchedInTimeIsShown)
+{
+    ask("GET", "/frame.png", false);
+    frameComes(5, 200);
+    timePasses(499ms);
+    EXPECT_EQ(get("/frame.png").headers.front().second, "5");
 }
 
 TEST_F(LiveRoutesTest, WithoutFramesThereIsNoPicture)
@@ -244,11 +259,13 @@ TEST_F(LiveRoutesTest, AColourFrameHasThreeHistogramsMadeNowAndThen)
     EXPECT_EQ(histogram["channels"][0]["brightest"], 1);
     EXPECT_EQ(histogram["channels"][1]["bins"][9], 2);
     EXPECT_EQ(histogram["channels"][2]["darkest"], 1);
-    std::this_thread::sleep_for(210ms);
+    timePasses(499ms);
     ask("GET", "/frame.png", false);
     frameComes(2, 7);
     get("/frame.png");
     EXPECT_EQ(json(get("/histogram.json"))["frame"], 1) << "counting all pixels takes its time";
+    timePasses(1ms);
+    EXPECT_EQ(json(get("/histogram.json"))["frame"], 2);
 }
 
 TEST_F(LiveRoutesTest, WhoWaitsForTheEndIsTold)
