@@ -151,11 +151,13 @@ std::string whoText(const UdevRule& rule)
     return namesOf(who);
 }
 
+/// The file is called like that of an installation, so that one takes the place of the other.
 std::string ruleCommand()
 {
     return "echo 'SUBSYSTEM==\"usb\", ATTR{idVendor}==\"" + std::string(kCameraVendor) +
            "\", MODE=\"0660\", GROUP=\"" + kUsualGroup +
-           "\", TAG+=\"uaccess\"' | sudo tee /etc/udev/rules.d/60-pointgrey.rules && sudo udevadm "
+           "\", TAG+=\"uaccess\"' | sudo tee /etc/udev/rules.d/60-driver-pointgrey.rules && sudo "
+           "udevadm "
            "control --reload && sudo udevadm trigger --subsystem-match=usb";
 }
 

@@ -154,6 +154,8 @@ Check judgeRefusal(const LibraryFacts& facts, Check check)
         if (!facts.unseenFolder.empty()) {
             check.command = "echo " + facts.unseenFolder +
                             " | sudo tee /etc/ld.so.conf.d/flycapture.conf && sudo ldconfig";
+        } else if (facts.searched) {
+            check.command = "kxhost doctor --camera-library FILE";
         }
         break;
     case kExitLibraryAge:
@@ -194,7 +196,8 @@ std::string releaseOf(const std::string& path)
 LibraryFacts readLibrary(const PluginChoice& choice, const Tree& tree)
 {
     LibraryFacts facts = askChild(choice);
-    if (facts.exitCode == kExitNoLibrary && choice.cameraLibrary.empty()) {
+    facts.searched = choice.cameraLibrary.empty() && !choice.simulate;
+    if (facts.exitCode == kExitNoLibrary && facts.searched) {
         facts.unseenFolder = findUnseen(tree);
     }
     return facts;

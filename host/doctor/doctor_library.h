@@ -23,6 +23,7 @@ struct LibraryFacts {
     std::string reason;            ///< when refused, one sentence
     std::string path;              ///< of the library that was loaded, links followed
     bool simulated = false;        ///< it is the simulated cameras
+    bool searched = false;         ///< for one that is installed, as none was named
     /// A folder where such a library lies without being found there; empty = none is known.
     std::string unseenFolder;
 };

@@ -48,6 +48,26 @@ grep -hoE '\./dev [a-z]+' "${documents[@]}" | sed 's/.* //' | sort -u |
 sed -n 's/^.*kxhost //p' "${documents[@]}" | grep -oE -e '--[a-z-]+' | sort -u |
     check_words "$(kxhost --help; for verb in grab list check version ctl doctor clock; do kxhost "$verb" --help; done)"
 
+# The lines of a document behind a heading that are in its first block of a kind.
+block_behind() {
+    awk -v heading="$2" -v fence="\`\`\`$3" '$0 == heading { behind = 1 }
+        inside && /^```/ { exit }
+        inside
+        behind && $0 == fence { inside = 1 }' "$1"
+}
+
+# What kxhost check prints is shown as it is, section by section.
+reference=$source/docs/configuration.md
+block_behind "$reference" '## What `check` prints' 'sh run' >"$scratch/commands"
+block_behind "$reference" '## What `check` prints' console >"$scratch/shown"
+[ -s "$scratch/shown" ] || fail "there is no block of what kxhost check prints"
+(cd "$scratch" && bash -e -u commands) >"$scratch/printed"
+awk 'BEGIN { RS = "" }
+    NR == FNR { printed[$0]; next }
+    !($0 in printed) { print; wrong = 1 }
+    END { exit wrong }' "$scratch/printed" "$scratch/shown" >&2 ||
+    fail "kxhost check prints this section of $reference differently"
+
 # Each key that kxhost knows is in the reference.
 kxhost check | sed -n -E 's/^(# )?([a-z_0-9]+)( =|:).*/\2/p' | sort -u >"$scratch/keys"
 [ -s "$scratch/keys" ] || fail "kxhost check prints no keys"

@@ -80,10 +80,29 @@ class ServiceUnit(unittest.TestCase):
                          ("shutdown.target", "shutdown.target"))
 
     def test_what_starts_it_does_not_wait_either(self):
-        for line in re.findall(r"systemctl[^\n]*\b(?:start|--now)\b[^\n]*kxhost@",
-                               text_of("docs", "operations.md") +
-                               text_of("packaging", "kxhost@.service")):
+        lines = re.findall(r"systemctl[^\n]*(?:\b(?:re)?start\b|--now)[^\n]*kxhost@",
+                           text_of("docs", "operations.md") +
+                           text_of("packaging", "kxhost@.service"))
+        self.assertGreaterEqual(len(lines), 3)
+        for line in lines:
             self.assertIn("--no-block", line)
+
+    def test_the_document_tells_the_same_codes(self):
+        codes = exit_codes()
+        told = {"yes": set(), "no": set()}
+        for what, answer in re.findall(r"^\| (\S.*) \| (yes|no)\b[^|]* \|$",
+                                       text_of("docs", "operations.md"), re.M):
+            told[answer] |= {int(number) for number in re.findall(r"\b\d+\b", what)}
+        self.assertEqual(told["yes"], {codes[name] for name in RESTARTED})
+        self.assertEqual(told["no"], {codes[name] for name in LEFT | {"kExitFine"}})
+
+    def test_the_user_that_the_document_gives_it_may_open_cameras(self):
+        rules = text_of("packaging", "60-driver-pointgrey.rules")
+        group = re.search(r'GROUP="(\w+)"', rules).group(1)
+        self.assertIn(f"[Service]\nUser=grabber\nSupplementaryGroups={group}\n",
+                      text_of("docs", "operations.md"))
+        # The pictures go where systemd makes a folder for that user.
+        self.assertIn(f"/var/lib/{settings()['StateDirectory']}/", settings()["ExecStart"])
 
 
 if __name__ == "__main__":

@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
 namespace kxhost {
 namespace {
 
@@ -109,11 +111,12 @@ TEST(DoctorRules, AreWantedForUsbCameras)
     const Check none = judgeRules(accessWith("# nothing"), usbNeeds());
     EXPECT_EQ(none.verdict, Verdict::kFail);
     EXPECT_EQ(none.found, "none");
-    EXPECT_EQ(none.command,
-              "echo 'SUBSYSTEM==\"usb\", ATTR{idVendor}==\"1e10\", MODE=\"0660\", "
-              "GROUP=\"plugdev\", TAG+=\"uaccess\"' | sudo tee "
-              "/etc/udev/rules.d/60-pointgrey.rules && sudo udevadm control --reload && sudo "
-              "udevadm trigger --subsystem-match=usb");
+    EXPECT_EQ(
+        none.command,
+        "echo 'SUBSYSTEM==\"usb\", ATTR{idVendor}==\"1e10\", MODE=\"0660\", "
+        "GROUP=\"plugdev\", TAG+=\"uaccess\"' | sudo tee "
+        "/etc/udev/rules.d/60-driver-pointgrey.rules && sudo udevadm control --reload && sudo "
+        "udevadm trigger --subsystem-match=usb");
     DoctorNeeds needs = usbNeeds();
     needs.usb = Weight::kMaybe;
     EXPECT_EQ(judgeRules(accessWith(""), needs).verdict, Verdict::kWarn);
@@ -127,7 +130,9 @@ TEST(DoctorRules, TheOneThatIsToldToBeMadeIsAccepted)
     const std::string command = judgeRules(accessWith(""), usbNeeds()).command;
     const std::size_t start = command.find('\'') + 1;
     const std::string rule = command.substr(start, command.find('\'', start) - start);
-    const std::vector<UdevRule> rules = rulesIn("60-pointgrey.rules", rule);
+    const std::string shipped = std::filesystem::path(KX_UDEV_RULES).filename();
+    EXPECT_NE(command.find("/etc/udev/rules.d/" + shipped + " "), std::string::npos) << command;
+    const std::vector<UdevRule> rules = rulesIn(shipped, rule);
     ASSERT_EQ(rules.size(), 1U) << rule;
     EXPECT_EQ(rules[0].group, "plugdev");
     EXPECT_TRUE(rules[0].seated);

@@ -74,6 +74,11 @@ TEST(DoctorLibrary, RefusedOnesAreFailuresWithTheirReason)
     EXPECT_EQ(none.command, "");
     EXPECT_EQ(refused(kExitNoLibrary, "/usr/local/lib").command,
               "echo /usr/local/lib | sudo tee /etc/ld.so.conf.d/flycapture.conf && sudo ldconfig");
+    LibraryFacts searched;
+    searched.outcome = Outcome::kRefused;
+    searched.exitCode = kExitNoLibrary;
+    searched.searched = true;
+    EXPECT_EQ(judgeLibrary(searched).command, "kxhost doctor --camera-library FILE");
     const Check old = refused(kExitLibraryAge);
     EXPECT_EQ(old.found, "of another release than the plug-in");
     EXPECT_EQ(old.command.find("cmake --preset release -DFLYCAPTURE2_ROOT=/usr"), 0U);
@@ -113,6 +118,9 @@ TEST(DoctorLibrary, OneThatTheLoaderDoesNotLookAtIsFound)
         GTEST_SKIP() << "this computer has the maker's library";
     }
     EXPECT_EQ(facts.unseenFolder, "/usr/local/lib");
+    EXPECT_TRUE(facts.searched);
+    choice.simulate = true;
+    EXPECT_FALSE(readLibrary(choice, fake.tree()).searched);
 }
 
 } // namespace
