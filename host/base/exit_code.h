@@ -4,16 +4,16 @@
 
 namespace kxhost {
 
-/// Exit codes of the process; `kxhost --help` and the man page list them.
+/// Exit codes of the process; `kxhost --help` and the man page list them in the same words.
 enum ExitCode : int {
-    kExitFine = 0,
+    kExitFine = 0,          ///< fine
     kExitInternal = 1,      ///< a defect of kxhost itself
     kExitUsage = 2,         ///< the command line
     kExitConfiguration = 3, ///< the configuration
     kExitNoCamera = 4,      ///< no camera in time
-    kExitCamera = 5,        ///< the camera or its library failed, or it was lost
+    kExitCamera = 5,        ///< the camera or its library failed, or the camera was lost
     kExitExport = 6,        ///< frames, or what is reported, could not be written
-    kExitLosses = 7,        ///< more losses than allowed
+    kExitLosses = 7,        ///< more losses than grab.max_losses
     kExitPlugin = 8,        ///< the plug-in cannot be loaded
     kExitNoLibrary = 9,     ///< the camera library cannot be loaded
     kExitLibraryAge = 10,   ///< the camera library is of another release than the plug-in

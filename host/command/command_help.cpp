@@ -33,17 +33,22 @@ constexpr const char* kGeneralFooter = R"(Examples:
 kxhost.toml" has the keys of a configuration.
 
 Exit codes:
-  0  fine                                6  frames or a report not written
-  1  a defect of kxhost                  7  more losses than grab.max_losses
-  2  usage                               8  the plug-in cannot be loaded
-  3  configuration                       9  the camera library cannot be loaded
-  4  no camera in time                  10  the camera library is of another release
-  5  the camera failed or was lost          than the plug-in
-                                        11  ctl: no grab has that process id
-                                        12  doctor: something has to be mended
-                                        13  doctor: something was not found out
-                                        14  clock: the frames do not tell it
-                                        15  the address of --live cannot be had
+   0  fine
+   1  a defect of kxhost itself
+   2  the command line
+   3  the configuration
+   4  no camera in time
+   5  the camera or its library failed, or the camera was lost
+   6  frames, or what is reported, could not be written
+   7  more losses than grab.max_losses
+   8  the plug-in cannot be loaded
+   9  the camera library cannot be loaded
+  10  the camera library is of another release than the plug-in
+  11  ctl: no grab has that process id
+  12  doctor: something has to be mended
+  13  doctor: something could not be found out, nothing else is amiss
+  14  clock: the frames do not tell the camera's clock
+  15  the address of the live page cannot be had
 130 and 143 stand for a second Ctrl-C or SIGTERM, which does not wait for frames to be written.
 )";
 

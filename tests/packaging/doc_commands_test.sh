@@ -68,6 +68,14 @@ awk 'BEGIN { RS = "" }
     END { exit wrong }' "$scratch/printed" "$scratch/shown" >&2 ||
     fail "kxhost check prints this section of $reference differently"
 
+# The exit codes have the same words in the source, the help and the manual page.
+sed -n -E 's/^ *kExit[A-Za-z]+ = ([0-9]+), *\/\/\/< (.*)$/\1  \2/p' "$source/host/base/exit_code.h" >"$scratch/codes"
+[ "$(wc -l <"$scratch/codes")" -eq "$(grep -c 'kExit.* = ' "$source/host/base/exit_code.h")" ] ||
+    fail "an exit code has no words"
+kxhost --help | sed -n -E 's/^ +([0-9]+  )/\1/p' | diff "$scratch/codes" - >&2 || fail "exit codes of the help"
+sed -n '/^## Exit status/,/^## Env/s/^| \([0-9]*\) | \(.*\) |$/\1  \2/p' "$source/docs/kxhost.1.md" |
+    diff "$scratch/codes" - >&2 || fail "exit codes of docs/kxhost.1.md"
+
 # Each key that kxhost knows is in the reference.
 kxhost check | sed -n -E 's/^(# )?([a-z_0-9]+)( =|:).*/\2/p' | sort -u >"$scratch/keys"
 [ -s "$scratch/keys" ] || fail "kxhost check prints no keys"

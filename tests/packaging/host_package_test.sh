@@ -20,6 +20,8 @@ mv "$scratch/first" "$prefix"
 example=$scratch/example
 cp -r "$prefix/share/driver-pointgrey/examples/host" "$example"
 [ "$(wc -l <"$example/example_host.cpp")" -lt 150 ] || fail "the example is no longer short"
+wanted=$(grep '^find_package' "$example/CMakeLists.txt")
+grep -q -x -F "$wanted" "$prefix/share/doc/driver-pointgrey/hosts.md" || fail "hosts.md has no '$wanted'"
 
 cmake -S "$example" -B "$scratch/build" "-DCMAKE_PREFIX_PATH=$prefix" \
     "-DCMAKE_CXX_FLAGS=-Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror" >/dev/null
