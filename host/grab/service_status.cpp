@@ -13,6 +13,7 @@ namespace kxhost {
 namespace {
 
 constexpr std::uint64_t kSecondUs = 1000000;
+constexpr std::uint64_t kMinuteUs = 60 * kSecondUs;
 
 /// The whole number that the environment gives to `name`; nothing = none, or another thing.
 std::optional<std::uint64_t> numberOfEnvironment(const char* name)
@@ -97,7 +98,13 @@ void ServiceStatus::tellAlive(const ExportTotals& exported)
 {
     const std::uint64_t moves =
         counts_.passes + counts_.retrieved + counts_.missing + exported.written + exported.failed;
-    if (watchdogUs_ && moves != movesTold_ && manager_.send("WATCHDOG=1")) {
+    if (moves == movesTold_) {
+        return;
+    }
+    if (stopping_) {
+        manager_.send("EXTEND_TIMEOUT_USEC=" + std::to_string(kMinuteUs));
+    }
+    if (!watchdogUs_ || manager_.send("WATCHDOG=1")) {
         movesTold_ = moves;
     }
 }

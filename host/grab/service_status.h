@@ -24,6 +24,9 @@ std::optional<std::uint64_t> watchdogOfEnvironment();
 ///   may still deliver nothing.
 /// - RELOADING when a reload is asked for, READY again with the first frame behind its take-over.
 /// - STOPPING when the end is asked for, or comes.
+/// - EXTEND_TIMEOUT_USEC from then on, as often as something has moved: who takes long to write
+/// what
+///   was accepted is given another minute, who hangs is not.
 /// - WATCHDOG only after something has moved since the last one: a frame arrived, a wait for one
 ///   ended, the camera was looked for, a picture was written. A thread that hangs moves nothing.
 class ServiceStatus {

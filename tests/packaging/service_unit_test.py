@@ -96,6 +96,10 @@ class ServiceUnit(unittest.TestCase):
         self.assertEqual(told["yes"], {codes[name] for name in RESTARTED})
         self.assertEqual(told["no"], {codes[name] for name in LEFT | {"kExitFine"}})
 
+    def test_a_slow_disk_is_given_as_much_time_again_as_a_stop_has(self):
+        seconds = int(settings()["TimeoutStopSec"])
+        self.assertIn(f"`EXTEND_TIMEOUT_USEC={seconds * 1000000}`", text_of("docs", "operations.md"))
+
     def test_the_user_that_the_document_gives_it_may_open_cameras(self):
         rules = text_of("packaging", "60-driver-pointgrey.rules")
         group = re.search(r'GROUP="(\w+)"', rules).group(1)

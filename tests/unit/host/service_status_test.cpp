@@ -111,6 +111,23 @@ TEST_F(ServiceStatusTest, StoppingIsToldOnceAndLast)
     EXPECT_EQ(listener_.received().back(), "STATUS=Finished as asked by a signal.");
 }
 
+TEST_F(ServiceStatusTest, WritingTheRestIsGivenTimeAsLongAsItMoves)
+{
+    const Told more = {"EXTEND_TIMEOUT_USEC=60000000"};
+    counts_.retrieved = 9;
+    update(1);
+    exported_.written = 1;
+    EXPECT_EQ(update(2), Told()) << "nobody has asked for the end";
+    signals_.post(kFinishTerminate);
+    EXPECT_EQ(update(3), Told{"STOPPING=1"});
+    EXPECT_EQ(update(4), Told()) << "a disk that hangs";
+    exported_.written = 2;
+    EXPECT_EQ(update(5), more);
+    EXPECT_EQ(update(6), Told());
+    exported_.failed = 1;
+    EXPECT_EQ(update(7), more);
+}
+
 TEST_F(ServiceStatusTest, AGrabThatEndsBeforeTheFirstLookWasReady)
 {
     counts_.retrieved = 5;
