@@ -3,15 +3,20 @@
 #ifndef KXHOST_EXPORT_QUEUE_H
 #define KXHOST_EXPORT_QUEUE_H
 
+#include "base/output_file.h"
 #include "export/export_frame.h"
+#include "export/export_picture.h"
+#include "export/export_place.h"
 #include "export/export_settings.h"
 #include "export/export_tap.h"
 
+#include <condition_variable>
 #include <cstddef>
 #include <cstdint>
-#include <memory>
+#include <mutex>
 #include <optional>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace kxhost {
@@ -92,8 +97,47 @@ public:
     std::string firstError() const;
 
 private:
-    class Impl;
-    std::unique_ptr<Impl> impl_;
+    using Lock = std::unique_lock<std::mutex>;
+
+    ExportPlace& place(std::uint64_t frame) { return places_[frame % places_.size()]; }
+    std::string prepareFolderForGrab();
+    bool writesPixels() const
+    {
+        return !settings_.folder.empty() && settings_.format != PictureFormat::kNone;
+    }
+    bool copiesPixels() const;
+    Staged waitForPlace(Lock& lock);
+    void fail(const std::string& error);
+
+    // The writers' side.
+    void runWriter();
+    void writeFrameSafely(std::uint64_t frame, PictureWriter& writer);
+    void writeFrame(std::uint64_t frame, PictureWriter& writer);
+    void releaseDone(Lock& lock);
+    std::string complete(const ExportPlace& oldest);
+    void countReleased(const ExportPlace& oldest);
+    void showLast();
+
+    const ExportSettings settings_;
+    std::vector<ExportTap*> taps_;
+    std::vector<ExportPlace> places_;
+    std::vector<std::thread> writers_;
+
+    mutable std::mutex mutex_;
+    std::condition_variable work_;  ///< a frame was committed, or the queue is finishing
+    std::condition_variable freed_; ///< a place became free
+    // Guarded by mutex_. Frames are numbered from 0 in the order of commit; released_ <= taken_ <=
+    // committed_, and place(committed_) is the one being staged.
+    std::uint64_t committed_ = 0;
+    std::uint64_t taken_ = 0;
+    std::uint64_t released_ = 0;
+    bool finishing_ = false;
+    bool releasing_ = false; ///< one writer at a time completes the metadata
+    ExportTotals totals_;
+    std::vector<std::optional<std::uint32_t>> failedFrames_; ///< no more than there are places
+    std::string error_;
+
+    LineFile metadata_; ///< opened before the writers start; then the releasing writer's alone
 };
 
 } // namespace kxhost
