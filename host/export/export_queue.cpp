@@ -14,7 +14,9 @@ namespace kxhost {
 
 ExportQueue::ExportQueue(ExportSettings settings)
     : settings_(std::move(settings)), places_(std::max<std::size_t>(settings_.queueDepth, 1))
-{}
+{
+    failedFrames_.reserve(places_.size()); // whoever counts them may lack memory
+}
 
 ExportQueue::~ExportQueue()
 {
@@ -91,6 +93,7 @@ Staged ExportQueue::waitForPlace(Lock& lock)
     using Clock = std::chrono::steady_clock;
     Staged staged;
     if (finishing_) {
+        totals_.refusedFailed += 1;
         return {Staging::kFailed}; // an abandoned grab that goes on
     }
     const auto isFree = [this] { return committed_ - released_ < places_.size(); };
@@ -152,9 +155,15 @@ void ExportQueue::commit(std::uint64_t timestampUs, const ScenarioValues& values
     if (!next.holdsStaged(timestampUs)) {
         return;
     }
+    totals_.accepted += 1;
+    if (finishing_) { // an abandoned grab that goes on: nobody would write it
+        next.staging = false;
+        totals_.failed += 1;
+        failedFrames_.push_back(values.frameCounter);
+        return;
+    }
     committed_ += 1;
     next.commit(committed_, values);
-    totals_.accepted += 1;
     totals_.deepest = std::max(totals_.deepest, static_cast<std::size_t>(committed_ - released_));
     work_.notify_one();
 }

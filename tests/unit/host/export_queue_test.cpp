@@ -346,6 +346,24 @@ TEST(ExportQueueEnd, NothingIsAcceptedBehindTheEnd)
     commitFrame(queue, 2);
     EXPECT_EQ(queue.totals().accepted, 1U);
     EXPECT_EQ(queue.totals().written, 1U);
+    EXPECT_EQ(queue.totals().refusedFailed, 1U);
+}
+
+TEST(ExportQueueEnd, AFrameWhoseCommitComesBehindTheEndHasFailed)
+{
+    const TemporaryFolder folder;
+    ExportQueue queue(settingsFor(folder));
+    ASSERT_EQ(queue.start(), "");
+    ASSERT_TRUE(stageFrame(queue, 1));
+    queue.finish();
+    kxhost::ScenarioValues values;
+    values.frameCounter = 77;
+    queue.commit(1, values);
+    queue.commit(1, values); // it is not staged any more
+    EXPECT_EQ(queue.totals().accepted, 1U);
+    EXPECT_EQ(queue.totals().failed, 1U);
+    EXPECT_EQ(queue.failedFrames(), std::vector<std::optional<std::uint32_t>>{77U});
+    EXPECT_TRUE(folder.names().empty());
 }
 
 } // namespace
