@@ -8,6 +8,7 @@
 #include <utility>
 
 #include <fcntl.h>
+#include <poll.h>
 #include <unistd.h>
 
 namespace kxhost {
@@ -64,6 +65,13 @@ Target targetOf(const std::string& path)
     return {real.string(), true};
 }
 
+/// Of a pipe that somebody who has it, too, has set not to wait.
+void waitForReader(int fd)
+{
+    pollfd ready{fd, POLLOUT, 0};
+    ::poll(&ready, 1, -1);
+}
+
 } // namespace
 
 std::string cannot(std::string_view what, const std::string& path, int code)
@@ -77,7 +85,9 @@ int writeAll(int fd, const void* data, std::size_t size)
     const char* at = static_cast<const char*>(data);
     while (size > 0) {
         const ssize_t count = ::write(fd, at, size);
-        if (count < 0 && errno != EINTR) {
+        if (count < 0 && errno == EAGAIN) {
+            waitForReader(fd);
+        } else if (count < 0 && errno != EINTR) {
             return errno;
         }
         if (count > 0) {

@@ -7,8 +7,10 @@
 
 #include <array>
 #include <csignal>
+#include <thread>
 
 #include <fcntl.h>
+#include <poll.h>
 #include <unistd.h>
 
 namespace {
@@ -66,6 +68,35 @@ TEST(StandardOutput, AReportThatIsNotThereIsAnErrorUnlessThereIsAnother)
     EXPECT_EQ(printReport("report\n"), "Cannot write standard output: No space left on device.");
     EXPECT_EQ(printReport("report\n", kxhost::kExitFine), kxhost::kExitExport);
     EXPECT_EQ(printReport("report\n", kxhost::kExitMend), kxhost::kExitMend);
+}
+
+/// Who has the same pipe may have set it so.
+TEST(StandardOutput, AnOutputThatDoesNotWaitIsWaitedFor)
+{
+    constexpr std::size_t kMoreThanAPipeHolds = 3'000'000;
+    constexpr int kLimitMs = 20'000;
+    std::array<int, 2> ends{};
+    ASSERT_EQ(pipe2(ends.data(), O_NONBLOCK), 0);
+    std::size_t seen = 0;
+    std::thread reader([&seen, from = ends[0]] {
+        std::array<char, 4096> piece{};
+        while (seen < kMoreThanAPipeHolds) {
+            pollfd ready{from, POLLIN, 0};
+            if (poll(&ready, 1, kLimitMs) <= 0) {
+                return; // nothing more will come
+            }
+            const ssize_t got = read(from, piece.data(), piece.size());
+            seen += got > 0 ? static_cast<std::size_t>(got) : 0;
+        }
+    });
+    {
+        const Diversion slow(ends[1]);
+        keepStandardOutput();
+        EXPECT_EQ(printReport(std::string(kMoreThanAPipeHolds, 'x')), "");
+    }
+    reader.join();
+    close(ends[0]);
+    EXPECT_EQ(seen, kMoreThanAPipeHolds);
 }
 
 TEST(StandardOutput, AReaderWhoHasGoneMissesNothing)
