@@ -114,7 +114,8 @@ std::string nameOfComputer()
 /// What is written at the end of a grab, where it is wanted.
 class Outputs {
 public:
-    explicit Outputs(const CommandLine& commandLine) : commandLine_(commandLine)
+    explicit Outputs(const CommandLine& commandLine)
+        : reportFile_(commandLine.reportFile), summaryFile_(commandLine.summaryFile)
     {
         report_.facts.computer = nameOfComputer();
         report_.facts.hostVersion = KXHOST_VERSION;
@@ -124,41 +125,44 @@ public:
 
     ReportFacts& facts() { return report_.facts; }
 
-    /// Why the report cannot be written; empty = it can, or none is wanted. Then it is not tried
-    /// again.
-    std::string whyNoReport()
+    /// Why something cannot be written; empty = all can. What cannot is not tried again.
+    std::string whyNotAll()
     {
-        std::string why =
-            commandLine_.reportFile.empty() ? "" : whyNotWritable(commandLine_.reportFile);
-        isRefused_ = !why.empty();
-        return why;
+        for (std::string* const file : {&reportFile_, &summaryFile_}) {
+            std::string why = file->empty() ? "" : whyNotWritable(*file);
+            if (!why.empty()) {
+                file->clear();
+                return why;
+            }
+        }
+        return "";
     }
     /// Lets the report see the frames. REQUIRES: the queue has not started.
     void watch(ExportQueue& queue)
     {
-        if (!commandLine_.reportFile.empty()) {
+        if (!reportFile_.empty()) {
             queue.addTap(recorder_);
         }
     }
     /// The report comes first: the summary shows if it fails. REQUIRES: no writer is at work.
     void write(GrabSummary& summary)
     {
-        if (!commandLine_.reportFile.empty() && !isRefused_) {
+        if (!reportFile_.empty()) {
             report_.summary = summary;
             report_.record = recorder_.record();
             report_.writtenUs = wallUs();
-            saved(writeReport(report_, commandLine_.reportFile), summary);
+            saved(writeReport(report_, reportFile_), summary);
         }
-        if (!commandLine_.summaryFile.empty()) {
-            saved(writeSummary(summary, commandLine_.summaryFile), summary);
+        if (!summaryFile_.empty()) {
+            saved(writeSummary(summary, summaryFile_), summary);
         }
     }
 
 private:
-    const CommandLine& commandLine_;
+    std::string reportFile_; ///< empty = it is not wanted, or cannot be written
+    std::string summaryFile_;
     RunRecorder recorder_;
     Report report_;
-    bool isRefused_ = false;
 };
 
 /// The folder for frames, which shall not stay empty when this grab has made it: one that finds no
@@ -238,8 +242,8 @@ int grab(const CommandLine& commandLine, const Configuration& configuration, con
     page.watch(queue);
     const OutputFolder folder(settings.outputFolder);
     std::string error = queue.start();
-    if (error.empty()) { // the report may go into the folder that was made
-        error = outputs.whyNoReport();
+    if (error.empty()) { // they may go into the folder that was made
+        error = outputs.whyNotAll();
     }
     if (!error.empty()) {
         complain(error);

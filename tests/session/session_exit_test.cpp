@@ -202,6 +202,29 @@ TEST(SessionExit, ExportWhenTheDiskIsFull)
     EXPECT_TRUE(session.frames().empty());
 }
 
+TEST(SessionExit, ExportWhenTheSummaryCannotBeWritten)
+{
+    const kxtest::TemporaryFolder folder;
+    const std::string summary = folder.file("nowhere/summary.json");
+    const Finished finished = kxtest::run({kxhostPath(), "grab", "--simulate", "--frames", "1",
+                                           "--output", folder.file("out"), "--summary", summary});
+    EXPECT_EQ(finished.code, kExport);
+    EXPECT_EQ(finished.err, "kxhost: Cannot write " + summary + ": No such file or directory.\n");
+    EXPECT_FALSE(std::filesystem::exists(folder.file("out"))) << "known before there are frames";
+}
+
+TEST(SessionExit, ExportWhenTheSummaryDoesNotFit)
+{
+    GrabSession session;
+    session.settings = {"grab.frames=1", "output.format=none", "output.metadata=false"};
+    session.filesMayGrowTo = 500;
+    const Finished finished = session.run();
+    EXPECT_EQ(finished.code, kExport) << finished.err;
+    EXPECT_EQ(finished.err, "kxhost: Cannot write " + session.folder().file("summary.json") +
+                                ": File too large.\n");
+    EXPECT_FALSE(std::filesystem::exists(session.folder().file("summary.json")));
+}
+
 TEST(SessionExit, LossesWhenThereAreMoreThanAllowed)
 {
     GrabSession session;
