@@ -175,7 +175,7 @@ TEST_F(SessionLedger, ACameraThatComesBackBeginsAnotherCount)
 /// A camera whose frames take far longer to write than to come.
 void slowWriter(GrabSession& session, bool paced, unsigned frames)
 {
-    TestSensor sensor{320, 240, "", 100};
+    TestSensor sensor{640, 480, "", 100};
     sensor.paced = paced;
     session.bus = busWith(sensor);
     session.settings = {"grab.frames=" + std::to_string(frames), "output.queue=1",
