@@ -202,11 +202,17 @@ int giveUp(Outputs& outputs, const NotifySocket& manager, int exitCode, const st
     return summary.exitCode;
 }
 
+/// Whether there is nothing to count, as the grab failed before its first frame.
+bool isWithoutFrames(const GrabSummary& summary)
+{
+    return summary.exitCode != kExitFine && summary.retrieved == 0 && lostFrames(summary) == 0;
+}
+
 /// Writes and prints what is wanted, and returns the exit code.
 int report(bool quiet, Outputs& outputs, GrabSummary& summary)
 {
     outputs.write(summary);
-    if (!quiet) {
+    if (!quiet && !isWithoutFrames(summary)) {
         saved(printReport(summaryText(summary)), summary);
     }
     if (summary.exitCode != kExitFine) {

@@ -87,6 +87,18 @@ TEST(SessionExit, NoCameraWhenTheBusStaysEmpty)
     EXPECT_TRUE(std::filesystem::exists(session.output())) << "somebody else's folder";
 }
 
+TEST(SessionExit, AGrabThatNeverBeganHasNothingToCount)
+{
+    GrabSession session;
+    session.quiet = false;
+    session.bus = "";
+    session.arguments = {"--wait", "0"};
+    const Finished finished = session.run();
+    EXPECT_EQ(finished.code, kNoCamera) << finished.err;
+    EXPECT_EQ(finished.out.find("retrieved"), std::string::npos) << finished.out;
+    EXPECT_EQ(session.summary()["retrieved"], 0);
+}
+
 TEST(SessionExit, NoCameraWhenOnlyOthersAreThere)
 {
     GrabSession session;
