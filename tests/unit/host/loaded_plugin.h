@@ -12,7 +12,7 @@
 
 namespace kxtest {
 
-/// Once per process: the bus is read when the cameras are loaded.
+/// The bus of the first one in a process counts: it is read when the cameras are loaded.
 class LoadedPlugin {
 public:
     /// `bus` describes the cameras, in TOML.
