@@ -58,8 +58,8 @@ block_behind() {
 
 # What kxhost check prints is shown as it is, section by section.
 reference=$source/docs/configuration.md
-block_behind "$reference" '## What `check` prints' 'sh run' >"$scratch/commands"
-block_behind "$reference" '## What `check` prints' console >"$scratch/shown"
+block_behind "$reference" "## What \`check\` prints" 'sh run' >"$scratch/commands"
+block_behind "$reference" "## What \`check\` prints" console >"$scratch/shown"
 [ -s "$scratch/shown" ] || fail "there is no block of what kxhost check prints"
 (cd "$scratch" && bash -e -u commands) >"$scratch/printed"
 awk 'BEGIN { RS = "" }
