@@ -50,7 +50,7 @@ TEST(SessionCtl, AnyOtherWordIsAMistake)
     const Finished finished = ctl(1, "explode");
     EXPECT_EQ(finished.code, 2);
     EXPECT_TRUE(finished.err.starts_with(
-        "WORD: \"explode\" is unknown, expected finish, reload, lut or lut12\n"))
+        "kxhost: WORD: \"explode\" is unknown, expected finish, reload, lut or lut12\n"))
         << finished.err;
     EXPECT_EQ(ctl(1, "10").code, 2) << "no numbers of signals";
     EXPECT_EQ(kxtest::run({kxhostPath(), "ctl", "lut"}).code, 2);
@@ -62,7 +62,7 @@ TEST(SessionCtl, WhatIsNoProcessIdIsToldSo)
         const Finished finished = kxtest::run({kxhostPath(), "ctl", text, "lut"});
         EXPECT_EQ(finished.code, 2);
         EXPECT_TRUE(finished.err.starts_with(
-            "PID: \"" + text + "\" is no process id, expected a whole number above 0\n"))
+            "kxhost: PID: \"" + text + "\" is no process id, expected a whole number above 0\n"))
             << finished.err;
     }
 }
