@@ -120,6 +120,8 @@ std::string exitCodeText(int exitCode)
     switch (exitCode) {
     case kExitFine:
         return "fine";
+    case kExitUsage:
+        return "the command line was refused";
     case kExitConfiguration:
         return "the configuration was refused";
     case kExitNoCamera:
@@ -136,6 +138,8 @@ std::string exitCodeText(int exitCode)
         return "the camera library could not be loaded";
     case kExitLibraryAge:
         return "the camera library is of another release than the plug-in";
+    case kExitLive:
+        return "the address of the live page could not be had";
     default:
         return "a defect of kxhost";
     }

@@ -80,8 +80,8 @@ TEST(ReportWords, EveryExitCodeOfAGrabHasWords)
 {
     std::vector<std::string> all;
     for (const int code :
-         {kExitFine, kExitInternal, kExitConfiguration, kExitNoCamera, kExitCamera, kExitExport,
-          kExitLosses, kExitPlugin, kExitNoLibrary, kExitLibraryAge}) {
+         {kExitFine, kExitInternal, kExitUsage, kExitConfiguration, kExitNoCamera, kExitCamera,
+          kExitExport, kExitLosses, kExitPlugin, kExitNoLibrary, kExitLibraryAge, kExitLive}) {
         const std::string text = exitCodeText(code);
         EXPECT_FALSE(text.empty());
         for (const std::string& other : all) {
