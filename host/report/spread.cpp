@@ -11,7 +11,7 @@ void Spread::add(std::int64_t value, bool sampled)
     smallest_ = count_ == 0 ? value : std::min(smallest_, value);
     largest_ = count_ == 0 ? value : std::max(largest_, value);
     ++count_;
-    if (sampled) {
+    if (sampled || keptCount_ == 0) {
         kept_[keptCount_++] = value;
     }
 }

@@ -15,8 +15,8 @@ class Spread {
 public:
     static constexpr std::size_t kKept = 15;
 
-    /// Counts a value. `sampled`: it is one of those that the median is taken from; REQUIRES: of no
-    /// more than `kKept` values.
+    /// Counts a value. `sampled`: it is one of those that the median is taken from, as the first
+    /// one is in any case; REQUIRES: of no more than `kKept` values, the first one included.
     void add(std::int64_t value, bool sampled);
     /// Counts the values of the other one too. REQUIRES: where more values come together than can
     /// be kept, that both have about the same number; else the median is that of the smaller.

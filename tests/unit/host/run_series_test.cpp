@@ -47,6 +47,15 @@ TEST(Spread, AValueThatIsNotSampledCountsForTheEndsOnly)
     EXPECT_EQ(spread.median(), 5);
 }
 
+TEST(Spread, AMiddleThereIsThoughNoValueIsSampled)
+{
+    Spread spread;
+    spread.add(7, false);
+    spread.add(9, false);
+    EXPECT_EQ(spread.median(), 7);
+    EXPECT_EQ(spread.kept().size(), 1U);
+}
+
 TEST(Spread, MergedIsExactAsLongAsAllValuesAreKept)
 {
     Spread spread = spreadOf({1, 2, 3, 4, 5, 6, 7});
@@ -161,6 +170,20 @@ TEST(RunSeries, MediansDoNotDriftHoweverOftenBucketsAreMerged)
         sum += static_cast<double>(bucket.delivery.median());
     }
     EXPECT_NEAR(sum / static_cast<double>(series.buckets().size()), 0, 60);
+}
+
+TEST(RunSeries, WhereNoFrameThatIsSampledHasAMeasureAnotherOneTellsIt)
+{
+    RunSeries series;
+    for (std::int64_t frame = 0; frame < 5000; ++frame) { // every second one is sampled at the end
+        RunPoint point = pointAt(frame);
+        point.intervalUs = frame % 2 == 0 ? std::nullopt : std::optional<std::int64_t>(50);
+        series.add(point);
+    }
+    for (const RunBucket& bucket : series.buckets()) {
+        ASSERT_GT(bucket.interval.count(), 0U);
+        EXPECT_EQ(bucket.interval.median(), 50);
+    }
 }
 
 TEST(DurationProfile, SmallDurationsAreExact)
