@@ -26,9 +26,15 @@ void ContactSheet::add(Thumbnail thumbnail)
 
 void ContactSheet::addLast(Thumbnail thumbnail)
 {
+    remove(thumbnail.number);
     const std::lock_guard lock(mutex_);
-    std::erase_if(kept_, [&](const Thumbnail& each) { return each.number == thumbnail.number; });
     kept_.push_back(std::move(thumbnail));
+}
+
+void ContactSheet::remove(std::uint64_t number)
+{
+    const std::lock_guard lock(mutex_);
+    std::erase_if(kept_, [&](const Thumbnail& each) { return each.number == number; });
 }
 
 void ContactSheet::thin()

@@ -32,6 +32,8 @@ public:
     void add(Thumbnail thumbnail);
     /// The last frame, which is shown in any case.
     void addLast(Thumbnail thumbnail);
+    /// Forgets a frame, of which it showed that it is none of the run's.
+    void remove(std::uint64_t number);
     /// By number: the first, others at the same distance each, and the last.
     std::vector<Thumbnail> chosen() const;
 

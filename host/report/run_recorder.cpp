@@ -47,12 +47,13 @@ std::int64_t missedOf(const CauseCounts& causes)
 }
 
 /// Whether another capture begins with the frame, so that it is not compared with the one before:
-/// the camera stood still between them, and its clock may have begun anew.
+/// the camera stood still between them, and its clock may have begun anew. The first frame of each
+/// capture only starts the timing.
 bool beginsAnew(const ScenarioValues& values)
 {
     const CauseCounts& causes = values.ledger.lostBefore;
-    return values.awaySeconds || causes[FrameCause::kStopped] != 0 ||
-           causes[FrameCause::kDetached] != 0;
+    return values.awaySeconds || causes[FrameCause::kTiming] != 0 ||
+           causes[FrameCause::kStopped] != 0 || causes[FrameCause::kDetached] != 0;
 }
 
 std::int64_t difference(std::uint64_t later, std::uint64_t earlier)
@@ -89,7 +90,11 @@ void RunRecorder::last(const TappedFrame& frame) noexcept
 
 void RunRecorder::released(const ReleasedFrame& frame) noexcept
 {
-    if (!frame.written) {
+    if (!frame.written) { // its pictures may be, but its metadata is not
+        sheet_.remove(frame.number);
+        if (frame.number == record_.first.number) {
+            record_.first = {};
+        }
         return;
     }
     const FrameTimes& times = frame.values.times;
@@ -128,10 +133,10 @@ void RunRecorder::noteMarks(const ReleasedFrame& frame, std::int64_t atUs)
 void RunRecorder::noteTimes(const ReleasedFrame& frame, std::int64_t atUs)
 {
     const ScenarioValues& values = frame.values;
-    Before now{frame.timestampUs, std::nullopt, values.ledger.stretch};
+    Before now{frame.timestampUs, values.cameraTimeUs, std::nullopt, values.ledger.stretch};
     if (values.cameraTimeUs) {
         const std::int64_t full = fullCameraTime(static_cast<std::int64_t>(*values.cameraTimeUs));
-        now.cameraUs = timeline_.place(full, static_cast<std::int64_t>(values.times.steadyUs));
+        now.placedUs = timeline_.place(full, static_cast<std::int64_t>(values.times.steadyUs));
     }
     RunPoint point;
     point.atUs = atUs;
@@ -139,8 +144,9 @@ void RunRecorder::noteTimes(const ReleasedFrame& frame, std::int64_t atUs)
     point.lost = missedOf(values.ledger.lostBefore);
     if (before_ && before_->stretch == now.stretch && !beginsAnew(values)) {
         point.intervalUs = difference(now.timestampUs, before_->timestampUs);
-        if (before_->cameraUs && now.cameraUs) {
-            point.stampErrorUs = *point.intervalUs - (*now.cameraUs - *before_->cameraUs);
+        // A clock that stands still is none: frames without a time embedded have that of none.
+        if (before_->placedUs && now.placedUs && before_->cameraUs != now.cameraUs) {
+            point.stampErrorUs = *point.intervalUs - (*now.placedUs - *before_->placedUs);
         }
     }
     before_ = now;

@@ -75,7 +75,8 @@ private:
     /// What the next frame is compared with.
     struct Before {
         std::uint64_t timestampUs = 0;
-        std::optional<std::int64_t> cameraUs; ///< on a line without wraps
+        std::optional<std::uint64_t> cameraUs; ///< as it was told
+        std::optional<std::int64_t> placedUs;  ///< the same on a line without wraps
         std::uint64_t stretch = 0;
     };
 

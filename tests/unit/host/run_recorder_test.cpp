@@ -119,14 +119,18 @@ protected:
         return values;
     }
 
-    void show(const ScenarioValues& values, bool written = true)
+    /// What the disk had room for.
+    enum class Written { kAll, kPicture, kNothing };
+
+    void show(const ScenarioValues& values, Written written = Written::kAll)
     {
         const FrameInfo info{Instance::kRaw, 2, 1, "MONO8T", *values.timestampUs};
         const std::vector<std::uint8_t> pixels = {static_cast<std::uint8_t>(number_), 255};
-        if (written) {
+        if (written != Written::kNothing) {
             recorder_.look({number_, info, pixels, values});
         }
-        recorder_.released({number_, *values.timestampUs, values, written, 40, 50});
+        const bool isWhole = written == Written::kAll;
+        recorder_.released({number_, *values.timestampUs, values, isWhole, 40, 50});
     }
 
     RunRecord finish(const ScenarioValues& last)
@@ -207,6 +211,34 @@ TEST_F(Recorder, ACameraWithoutClockHasNoStampError)
     EXPECT_EQ(record.series.buckets()[1].stampError.count(), 0U);
 }
 
+TEST_F(Recorder, ATimeThatStandsStillIsNoClock)
+{
+    for (int frame = 0; frame < 200; ++frame) { // to beyond half of its wrap
+        ScenarioValues values = next();
+        values.cameraTimeUs = 0;
+        values.times.steadyUs = 1'000'000U * static_cast<unsigned>(frame);
+        show(values);
+    }
+    for (const kxhost::RunBucket& bucket : recorder_.record().series.buckets()) {
+        EXPECT_EQ(bucket.stampError.count(), 0U);
+    }
+}
+
+TEST_F(Recorder, ACameraThatCountsNothingShowsAnotherCaptureByItsFirstFrame)
+{
+    for (int frame = 0; frame < 3; ++frame) {
+        ScenarioValues values = next();
+        values.ledger.stretch = 0;
+        values.ledger.lostBefore[kxhost::FrameCause::kTiming] = frame == 2 ? 1 : 0;
+        show(values);
+    }
+    const RunRecord record = recorder_.record();
+    EXPECT_EQ(record.series.buckets()[1].interval.count(), 1U);
+    EXPECT_EQ(record.series.buckets()[2].interval.count(), 0U);
+    EXPECT_EQ(record.series.buckets()[2].stampError.count(), 0U);
+    EXPECT_EQ(record.series.buckets()[2].lost, 0);
+}
+
 TEST_F(Recorder, FramesOfTwoCapturesAreNotCompared)
 {
     show(next());
@@ -267,13 +299,24 @@ TEST_F(Recorder, MarksAreBounded)
 TEST_F(Recorder, AFrameThatWasNotWrittenIsNotShown)
 {
     show(next());
-    show(next(), false);
+    show(next(), Written::kNothing);
     show(next());
     const RunRecord record = recorder_.record();
     EXPECT_EQ(record.frames, 2U);
     EXPECT_EQ(record.series.buckets().size(), 2U);
     EXPECT_EQ(record.series.buckets()[1].interval.median(), 2000);
     EXPECT_EQ(numbersOf(record.thumbnails), (std::vector<std::uint64_t>{1, 3}));
+}
+
+TEST_F(Recorder, AFrameWhoseMetadataIsNotWrittenIsNotShownEither)
+{
+    show(next(), Written::kPicture);
+    EXPECT_EQ(recorder_.record().frames, 0U);
+    EXPECT_EQ(recorder_.record().first.number, 0U);
+    EXPECT_EQ(numbersOf(recorder_.record().thumbnails), (std::vector<std::uint64_t>{}));
+    show(next());
+    show(next(), Written::kPicture);
+    EXPECT_EQ(numbersOf(recorder_.record().thumbnails), (std::vector<std::uint64_t>{2}));
 }
 
 } // namespace
