@@ -48,6 +48,7 @@ GrabSummary summarize(const GrabResult& result, const Settings& settings, const 
     }
     if (!result.abandoned) { // the grab thread may still add to it
         summary.configurations = services().history.changes();
+        summary.keysInForce = services().history.keysInForce();
     }
     summary.seconds = static_cast<double>(counts.lastUs - counts.firstUs) / 1e6;
     summary.framePeriodUs = counts.framePeriodUs;

@@ -29,6 +29,7 @@ void ConfigHistory::start(std::vector<KeyValue> given, std::uint64_t atUs)
 {
     changes_.clear();
     news_.clear();
+    keys_.clear();
     newest_ = 0;
     taken(ChangeKind::kStart, std::move(given), atUs);
     captureStarted();
@@ -45,6 +46,7 @@ void ConfigHistory::taken(ChangeKind kind, std::vector<KeyValue> changed, std::u
     ++newest_;
     const auto change = std::make_shared<const ConfigurationChange>(
         ConfigurationChange{newest_, kind, atUs, std::move(changed)});
+    putInForce(*change);
     if (changes_.size() == kMostListed) {
         changes_.erase(changes_.begin());
     }
@@ -57,6 +59,17 @@ void ConfigHistory::taken(ChangeKind kind, std::vector<KeyValue> changed, std::u
         pending_.pop_back();
     }
     pending_.push_back({newest_, 0, exposureUs_, 0});
+}
+
+void ConfigHistory::putInForce(const ConfigurationChange& change)
+{
+    for (const auto& [key, value] : change.changed) {
+        if (value.empty()) {
+            keys_.erase(key);
+        } else {
+            keys_[key] = {value, change.number};
+        }
+    }
 }
 
 void ConfigHistory::retrievalEnded(std::uint64_t nowUs)

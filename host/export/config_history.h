@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <map>
 #include <memory>
 #include <string>
 #include <utility>
@@ -35,6 +36,15 @@ struct ConfigurationChange {
     std::vector<KeyValue> changed; ///< of the first one all keys that are set
 };
 using ConfigurationChangePtr = std::shared_ptr<const ConfigurationChange>;
+
+/// The value of a key that is in force, and the number of the configuration that set it last.
+struct KeyInForce {
+    std::string value;
+    std::uint32_t number = 1;
+
+    bool operator==(const KeyInForce&) const = default;
+};
+using KeysInForce = std::map<std::string, KeyInForce>;
 
 /// What a frame's time says about the configuration that made it.
 struct FrameMoment {
@@ -85,6 +95,8 @@ public:
     std::uint32_t newest() const { return newest_; }
     /// The latest changes, by number.
     const std::vector<ConfigurationChangePtr>& changes() const { return changes_; }
+    /// All keys that are set, whether the change that did it is still listed or not.
+    const KeysInForce& keysInForce() const { return keys_; }
 
 private:
     /// A change that not all frames show.
@@ -95,10 +107,12 @@ private:
         unsigned frames = 0;          ///< marked since
     };
 
+    void putInForce(const ConfigurationChange& change);
     static bool isCertain(const Pending& pending, const FrameMoment& frame);
 
     std::vector<ConfigurationChangePtr> changes_;
     std::vector<ConfigurationChangePtr> news_;
+    KeysInForce keys_;
     std::vector<Pending> pending_; ///< by number
     std::uint32_t newest_ = 0;
     std::uint32_t inForce_ = 0;    ///< for certain

@@ -35,6 +35,7 @@ struct GrabSummary {
     ExportTotals exported;     ///< what became of the frames after that
     FrameLedger ledger;        ///< every frame, those that never arrived included
     std::vector<ConfigurationChangePtr> configurations; ///< of the grab, by number, the latest
+    KeysInForce keysInForce;                            ///< at the end
     double seconds = 0;              ///< from the first to the last retrieved frame
     std::uint32_t framePeriodUs = 0; ///< in force; 0 = not known
     std::uint64_t overBudget = 0;    ///< frames whose hand-over took longer than that period

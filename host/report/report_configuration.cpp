@@ -4,9 +4,6 @@
 #include "report/report_sections.h"
 #include "report/report_words.h"
 
-#include <map>
-#include <utility>
-
 namespace kxhost {
 namespace {
 
@@ -37,24 +34,8 @@ std::string valueText(const std::string& value)
     return value.empty() ? "not set any more" : code(value);
 }
 
-/// A key that is in force, and the configuration that set it last.
-struct InForce {
-    std::string value;
-    std::uint32_t number = 1;
-};
-
-std::string inForceTable(const std::vector<ConfigurationChangePtr>& changes)
+std::string inForceTable(const KeysInForce& keys)
 {
-    std::map<std::string, InForce> keys;
-    for (const ConfigurationChangePtr& change : changes) {
-        for (const auto& [key, value] : change->changed) {
-            if (value.empty()) {
-                keys.erase(key);
-            } else {
-                keys[key] = {value, change->number};
-            }
-        }
-    }
     if (keys.empty()) {
         return element("p", "No key was set: the camera was left as it is.");
     }
@@ -86,7 +67,12 @@ std::string changesTable(const std::vector<ConfigurationChangePtr>& changes)
         rows.push_back({std::to_string(change->number), utcText(change->atUs),
                         kindText(change->kind), changedText(*change)});
     }
-    return element("h3", "Changes") + table({"Number", "Applied", "Because", "Keys"}, rows, false);
+    const std::uint64_t before = changes.front()->number - 1;
+    const std::string earlier =
+        before == 0 ? ""
+                    : element("p", "Without the first " + grouped(before) + ".", "class=\"about\"");
+    return element("h3", "Changes") + earlier +
+           table({"Number", "Applied", "Because", "Keys"}, rows, false);
 }
 
 } // namespace
@@ -96,9 +82,12 @@ std::string configurationSection(const Report& report)
     const std::vector<ConfigurationChangePtr>& changes = report.summary.configurations;
     std::string content;
     if (changes.empty()) {
-        content = element("p", "It was never applied.");
+        content = element("p", report.summary.passes == 0
+                                   ? "It was never applied."
+                                   : "What became of it is not known: the end came while the "
+                                     "camera was looked for or set up.");
     } else {
-        content = inForceTable(changes) + changesTable(changes);
+        content = inForceTable(report.summary.keysInForce) + changesTable(changes);
     }
     if (!report.facts.inForce.empty()) {
         content += foldedAway("All keys, as the grab began",

@@ -231,7 +231,7 @@ std::string bucketWords(const RunRecord& record)
                  ": the line is their median, the area reaches from the least to the most. ";
     }
     if (record.configurations.size() > 1) {
-        words += "A flag marks the first frame behind a change of the configuration. ";
+        words += "A flag marks the first frame behind each further configuration. ";
     }
     if (!record.gaps.empty()) {
         words += "A stripe is a time without the camera. ";

@@ -72,16 +72,12 @@ std::string lostText(const GrabSummary& summary)
 std::string eventsText(const RunRecord& record)
 {
     std::string text;
-    if (!record.gaps.empty()) {
-        double away = 0;
-        for (const CameraGap& gap : record.gaps) {
-            away += static_cast<double>(gap.toUs - gap.fromUs) / 1e6;
-        }
-        text += " The camera was away " + timesText(record.gaps.size()) + ", for " +
-                lengthOfTime(away) + ".";
+    if (record.timesAway != 0) {
+        text += " The camera was away " + timesText(record.timesAway) + ", for " +
+                lengthOfTime(static_cast<double>(record.awayUs) / 1e6) + ".";
     }
-    if (record.configurations.size() > 1) {
-        text += " The configuration changed " + timesText(record.configurations.size() - 1) + ".";
+    if (record.changes != 0) {
+        text += " The configuration changed " + timesText(record.changes) + ".";
     }
     return text;
 }

@@ -4,6 +4,7 @@
 #include "picture/picture_encode.h"
 #include "picture/preview.h"
 
+#include <cmath>
 #include <exception>
 #include <utility>
 
@@ -54,6 +55,12 @@ bool beginsAnew(const ScenarioValues& values)
     const CauseCounts& causes = values.ledger.lostBefore;
     return values.awaySeconds || causes[FrameCause::kTiming] != 0 ||
            causes[FrameCause::kStopped] != 0 || causes[FrameCause::kDetached] != 0;
+}
+
+/// Whether the configuration is another one than that before.
+bool isOther(ChangeKind kind)
+{
+    return kind != ChangeKind::kStart && kind != ChangeKind::kAgain;
 }
 
 std::int64_t difference(std::uint64_t later, std::uint64_t earlier)
@@ -122,11 +129,14 @@ void RunRecorder::noteMarks(const ReleasedFrame& frame, std::int64_t atUs)
         }
     };
     for (const ConfigurationChangePtr& change : frame.values.changes) {
+        record_.changes += isOther(change->kind) ? 1U : 0U;
         list(record_.configurations, ConfigurationMoment{atUs, change->number});
     }
     if (frame.values.awaySeconds) {
-        const double awayUs = double{*frame.values.awaySeconds} * 1e6;
-        list(record_.gaps, CameraGap{atUs - static_cast<std::int64_t>(awayUs), atUs});
+        const std::int64_t awayUs = std::llround(double{*frame.values.awaySeconds} * 1e6);
+        ++record_.timesAway;
+        record_.awayUs += awayUs;
+        list(record_.gaps, CameraGap{atUs - awayUs, atUs});
     }
 }
 

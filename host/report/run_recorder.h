@@ -53,6 +53,9 @@ struct RunRecord {
     std::vector<ConfigurationMoment> configurations;
     std::vector<CameraGap> gaps;
     std::uint64_t marksNotListed = 0;
+    std::uint64_t changes = 0;   ///< to other configurations, listed or not
+    std::uint64_t timesAway = 0; ///< gaps, listed or not
+    std::int64_t awayUs = 0;     ///< all of them together
     std::vector<Thumbnail> thumbnails;
     std::uint64_t firstSteadyUs = 0; ///< arrival of the first frame
     FrameHistogram first;

@@ -131,6 +131,18 @@ TEST_F(History, OnlyTheLatestChangesAreListed)
     EXPECT_EQ(history_.changes().size(), ConfigHistory::kMostListed);
     EXPECT_EQ(history_.changes().front()->number, 2U);
     EXPECT_EQ(history_.takeNews().size(), ConfigHistory::kMostListed);
+    EXPECT_EQ(history_.keysInForce(), (KeysInForce{{"acquisition.gain", {"3 dB", 1}}}))
+        << "the change that set it is not listed any more";
+}
+
+TEST_F(History, KnowsWhichKeysAreInForceAndSinceWhen)
+{
+    history_.taken(ChangeKind::kReload, {{"region.width", "64"}, {"grab.frames", "5"}}, 77);
+    history_.taken(ChangeKind::kLive, {{"region.width", ""}, {"acquisition.gain", "4 dB"}}, 78);
+    EXPECT_EQ(history_.keysInForce(),
+              (KeysInForce{{"acquisition.gain", {"4 dB", 3}}, {"grab.frames", {"5", 2}}}));
+    history_.start({}, 0);
+    EXPECT_EQ(history_.keysInForce(), KeysInForce());
 }
 
 TEST(ChangeKind, HasAWordOfItsOwn)

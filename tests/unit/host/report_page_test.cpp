@@ -86,6 +86,7 @@ Report smallReport()
     auto change = std::make_shared<ConfigurationChange>();
     change->changed = {{"grab.frames", "3"}};
     summary.configurations = {change};
+    summary.keysInForce = {{"grab.frames", {"3", 1}}};
     report.writtenUs = 1714571950'000000;
     return report;
 }
@@ -156,14 +157,19 @@ TEST(ReportPage, TellsOfGapsAndChanges)
 {
     Report report = smallReport();
     report.record.gaps = {{1000, 30'001'000}};
+    report.record.timesAway = 300; // not all are listed
+    report.record.awayUs = 600'000'000;
     report.record.configurations = {{0, 1}, {40'000, 2}};
+    report.record.changes = 1;
     auto change = std::make_shared<ConfigurationChange>();
     change->number = 2;
     change->kind = ChangeKind::kLive;
     change->changed = {{"acquisition.gain", "5 dB"}, {"grab.frames", ""}};
     report.summary.configurations.push_back(change);
+    report.summary.keysInForce = {{"acquisition.gain", {"5 dB", 2}}};
     const std::string page = reportPage(report);
-    EXPECT_TRUE(has(page, "The camera was away once, for 30.0 s. The configuration changed once."));
+    EXPECT_TRUE(
+        has(page, "The camera was away 300 times, for 10 min. The configuration changed once."));
     EXPECT_EQ(countOf(page, "<rect class=\"away\""), 3U) << "in each figure";
     EXPECT_EQ(countOf(page, "<title>Configuration 2 from here on</title>"), 3U);
     EXPECT_TRUE(has(page, "the file was changed"));
@@ -171,7 +177,19 @@ TEST(ReportPage, TellsOfGapsAndChanges)
     EXPECT_TRUE(has(page,
                     "<th scope=\"row\"><code>acquisition.gain</code></th><td><code>5 dB</code>"
                     "</td><td>2</td>"));
-    EXPECT_FALSE(has(page, "<th scope=\"row\"><code>grab.frames</code>"));
+    EXPECT_FALSE(has(page, "Without the first"));
+    report.summary.configurations.erase(report.summary.configurations.begin());
+    report.summary.configurations.push_back(change);
+    EXPECT_TRUE(has(reportPage(report), "Without the first 1."));
+}
+
+TEST(ReportPage, ACameraThatCameBackHasNotChangedTheConfiguration)
+{
+    Report report = smallReport();
+    report.record.configurations = {{0, 1}, {40'000, 2}};
+    const std::string page = reportPage(report);
+    EXPECT_FALSE(has(page, "The configuration changed"));
+    EXPECT_TRUE(has(page, "A flag marks the first frame behind each further configuration."));
 }
 
 TEST(ReportPage, TheLedgerIsThatOfTheSummary)
@@ -256,6 +274,7 @@ TEST(ReportPage, NoTextFromOutsideBecomesMarkup)
     auto change = std::make_shared<ConfigurationChange>();
     change->changed = {{evil, evil}};
     report.summary.configurations = {change, change};
+    report.summary.keysInForce = {{evil, {evil, 1}}};
     const std::string page = reportPage(report);
     EXPECT_FALSE(has(page, "<script"));
     EXPECT_FALSE(has(page, "'x'"));
@@ -285,6 +304,8 @@ TEST(ReportPage, AGrabThatNeverBeganHasAPageToo)
     EXPECT_TRUE(has(page, "<b>0 frames</b> were delivered. There is no camera library."));
     EXPECT_TRUE(has(page, "There are none: no frame was delivered."));
     EXPECT_TRUE(has(page, "It was never applied."));
+    report.summary.passes = 1;
+    EXPECT_TRUE(has(reportPage(report), "What became of it is not known"));
     EXPECT_FALSE(has(page, "id=\"timeline\""));
     EXPECT_FALSE(has(page, ">nan"));
     EXPECT_FALSE(has(page, ">inf"));

@@ -282,6 +282,21 @@ TEST_F(Recorder, ChangesAndGapsAreMarked)
     EXPECT_EQ(record.gaps[0].toUs, 1000);
     EXPECT_EQ(record.series.buckets()[1].interval.count(), 0U);
     EXPECT_EQ(record.marksNotListed, 0U);
+    EXPECT_EQ(record.changes, 0U) << "both are beginnings";
+}
+
+TEST_F(Recorder, TheSameConfigurationAppliedAgainIsNoChange)
+{
+    using kxhost::ChangeKind;
+    for (const ChangeKind kind : {ChangeKind::kStart, ChangeKind::kLive, ChangeKind::kAgain,
+                                  ChangeKind::kReload, ChangeKind::kFallBack}) {
+        ScenarioValues values = next();
+        auto change = std::make_shared<kxhost::ConfigurationChange>();
+        change->kind = kind;
+        values.changes = {change};
+        show(values);
+    }
+    EXPECT_EQ(recorder_.record().changes, 3U);
 }
 
 TEST_F(Recorder, MarksAreBounded)
@@ -294,6 +309,8 @@ TEST_F(Recorder, MarksAreBounded)
     const RunRecord record = recorder_.record();
     EXPECT_EQ(record.gaps.size(), RunRecord::kMostMarks);
     EXPECT_EQ(record.marksNotListed, 300 - RunRecord::kMostMarks);
+    EXPECT_EQ(record.timesAway, 300U);
+    EXPECT_EQ(record.awayUs, 300 * 100);
 }
 
 TEST_F(Recorder, AFrameThatWasNotWrittenIsNotShown)
