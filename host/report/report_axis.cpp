@@ -87,7 +87,7 @@ Axis elapsedAxis(double endUs)
                                {"h", kHour, 3 * kHour},
                                {"d", kDay, 3 * kDay}};
     Axis axis;
-    axis.high = std::max(endUs, 1.0);
+    axis.high = std::max(endUs, 1e3);
     const Unit& unit = unitFor(kUnits, axis.high);
     mark(axis, niceStep(axis.high / unit.us, kMostTimeParts) * unit.us, unit);
     return axis;

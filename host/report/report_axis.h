@@ -31,7 +31,8 @@ double niceStep(double range, int most);
 /// Of microseconds from `lowUs` to `highUs`: widened to marks, in µs, ms or s.
 Axis microsecondAxis(double lowUs, double highUs);
 
-/// Of the time since the begin of a run, from 0 to `endUs` exactly, in ms, s, min, h or d.
+/// Of the time since the begin of a run, from 0 to `endUs` exactly, but at least to a millisecond,
+/// in ms, s, min, h or d.
 Axis elapsedAxis(double endUs);
 
 } // namespace kxhost

@@ -68,7 +68,7 @@ std::string queueWords(const GrabSummary& summary)
                       microseconds(static_cast<std::int64_t>(exported.waitUs)) + " in all.";
     if (exported.written != 0 && summary.seconds > 0 && exported.bytes != 0) {
         const double rate = static_cast<double>(exported.bytes) / 1e6 / summary.seconds;
-        text += " To disk went " + fixedText(rate, 1) + " MB a second.";
+        text += " Its pictures are " + fixedText(rate, 1) + " MB for each second of frames.";
     }
     return text;
 }

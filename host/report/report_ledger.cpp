@@ -61,6 +61,9 @@ std::string shareBar(const LedgerTotals& totals, std::uint64_t all)
 
 std::string balance(const LedgerTotals& totals)
 {
+    if (totals.arrived == 0) {
+        return element("p", "No frame arrived.", "class=\"about\"");
+    }
     std::string text = totals.counted
                            ? "The camera numbered " + dataElement("ledger-values", totals.values) +
                                  (totals.values == 1 ? " frame" : " frames") +

@@ -55,7 +55,7 @@ void Plot::line(std::string_view cssClass, const std::vector<std::vector<PlotPoi
             path += command + point(place);
             command = "L";
         }
-        path += piece.size() == 1 ? "h0" : "";
+        path += piece.size() == 1 ? "h1" : ""; // a line without length is not drawn everywhere
     }
     shapes_ += "<path" + attribute("class", cssClass) + attribute("d", path) + "/>";
 }

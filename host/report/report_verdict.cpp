@@ -51,8 +51,8 @@ std::string deliveredText(const GrabSummary& summary)
     const std::uint64_t delivered = summary.exported.written;
     std::string text = element("b", counted(delivered, "frame")) +
                        (delivered == 1 ? " was" : " were") + " delivered";
-    if (summary.seconds > 0 && summary.retrieved > 1) {
-        const double rate = static_cast<double>(summary.retrieved - 1) / summary.seconds;
+    if (summary.seconds > 0 && delivered > 1) { // since the frame that only started the timing
+        const double rate = static_cast<double>(delivered) / summary.seconds;
         text += " in " + element("b", lengthOfTime(summary.seconds)) + ", " + fixedText(rate, 1) +
                 " a second";
     }

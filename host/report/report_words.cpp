@@ -3,6 +3,7 @@
 
 #include "base/exit_code.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstdio>
@@ -65,9 +66,9 @@ std::string microseconds(std::int64_t us)
     if (size < kMilli) {
         return fixedText(value, 0) + " µs";
     }
-    const bool milli = size < kSecond;
+    const bool milli = size < 0.9995 * kSecond; // from there on it would be rounded to 1000 ms
     const double scaled = value / (milli ? kMilli : kSecond);
-    const int digits = std::abs(scaled) < 10 ? 2 : (std::abs(scaled) < 100 ? 1 : 0);
+    const int digits = std::abs(scaled) < 9.995 ? 2 : (std::abs(scaled) < 99.95 ? 1 : 0);
     return fixedText(scaled, digits) + (milli ? " ms" : " s");
 }
 
@@ -76,9 +77,10 @@ std::string lengthOfTime(double seconds)
     constexpr double kMinute = 60;
     constexpr double kHour = 3600;
     constexpr double kDay = 86400;
-    if (seconds < kMinute) {
-        return fixedText(seconds, seconds < 10 ? 2 : 1) + " s";
+    if (seconds < kMinute - 0.05) {
+        return fixedText(seconds, seconds < 9.995 ? 2 : 1) + " s";
     }
+    seconds = std::max(seconds, kMinute);
     if (seconds < kHour) {
         return twoUnits(static_cast<std::uint64_t>(seconds), 60, "min", "s");
     }

@@ -109,6 +109,18 @@ TEST(ReportPage, SaysInWordsHowItWent)
     }
 }
 
+TEST(ReportPage, TheRateIsThatOfDeliveredFrames)
+{
+    Report report = smallReport();
+    report.summary.retrieved = 1001;
+    report.summary.seconds = 10;
+    report.summary.exported.written = 20;
+    EXPECT_TRUE(has(reportPage(report), "<b>20 frames</b> were delivered in <b>10.0 s</b>, 2.0 a "
+                                        "second."));
+    report.summary.exported.written = 1;
+    EXPECT_TRUE(has(reportPage(report), "<b>1 frame</b> was delivered."));
+}
+
 TEST(ReportPage, SaysWhatWasLostAndWhy)
 {
     Report report = smallReport();
@@ -233,7 +245,7 @@ TEST(ReportPage, TheTimeOfAFrameIsHeldAgainstItsPeriod)
     const std::string page = reportPage(report);
     EXPECT_TRUE(has(page, "<b>2 hand-overs</b> did not; the longest took 40.0 ms."));
     EXPECT_TRUE(has(page, "the grab waited once for a place in it, 1.50 ms in all."));
-    EXPECT_TRUE(has(page, "To disk went 30.0 MB a second."));
+    EXPECT_TRUE(has(page, "Its pictures are 30.0 MB for each second of frames."));
     EXPECT_TRUE(
         has(page, "Processing</th><td>100 µs</td><td>100 µs</td><td>100 µs</td><td>0.30 %</td>"));
 }
@@ -303,6 +315,8 @@ TEST(ReportPage, AGrabThatNeverBeganHasAPageToo)
     EXPECT_TRUE(has(page, "<h1>Failed: the camera library could not be loaded</h1>"));
     EXPECT_TRUE(has(page, "<b>0 frames</b> were delivered. There is no camera library."));
     EXPECT_TRUE(has(page, "There are none: no frame was delivered."));
+    EXPECT_TRUE(has(page, "No frame arrived."));
+    EXPECT_FALSE(has(page, "does not number its frames"));
     EXPECT_TRUE(has(page, "It was never applied."));
     report.summary.passes = 1;
     EXPECT_TRUE(has(reportPage(report), "What became of it is not known"));
@@ -339,7 +353,7 @@ TEST(ReportPlot, ShapesStretchAndLettersDoNot)
         "<text class=\"x\" x=\"50.00%\" y=\"118\">5 s</text>"
         "<text class=\"unit\" x=\"-8\" y=\"-14\">ms</text></g>"
         "<svg width=\"100%\" height=\"100\" viewBox=\"0 0 1000 100\" preserveAspectRatio=\"none\">"
-        "<path class=\"a\" d=\"M0 100L500 0L1000 75M250 50h0\"/>"
+        "<path class=\"a\" d=\"M0 100L500 0L1000 75M250 50h1\"/>"
         "<path class=\"b\" d=\"M0 100L1000 100L1000 0L0 0Z\"/>"
         "<rect class=\"c\" x=\"200\" y=\"0\" width=\"100\" "
         "height=\"100\"><title>gone</title></rect>"

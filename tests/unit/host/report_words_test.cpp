@@ -41,6 +41,10 @@ TEST(ReportWords, MicrosecondsTakeTheUnitThatSuits)
     EXPECT_EQ(microseconds(999), "999 µs");
     EXPECT_EQ(microseconds(1000), "1.00 ms");
     EXPECT_EQ(microseconds(12345), "12.3 ms");
+    EXPECT_EQ(microseconds(9996), "10.0 ms");
+    EXPECT_EQ(microseconds(99960), "100 ms");
+    EXPECT_EQ(microseconds(999499), "999 ms");
+    EXPECT_EQ(microseconds(999500), "1.00 s");
     EXPECT_EQ(microseconds(123456), "123 ms");
     EXPECT_EQ(microseconds(1500000), "1.50 s");
     EXPECT_EQ(microseconds(-2500), "\u22122.50 ms");
@@ -51,6 +55,8 @@ TEST(ReportWords, LengthsHaveTwoUnits)
     EXPECT_EQ(lengthOfTime(0), "0.00 s");
     EXPECT_EQ(lengthOfTime(9.994), "9.99 s");
     EXPECT_EQ(lengthOfTime(59.9), "59.9 s");
+    EXPECT_EQ(lengthOfTime(9.996), "10.0 s");
+    EXPECT_EQ(lengthOfTime(59.96), "1 min");
     EXPECT_EQ(lengthOfTime(60), "1 min");
     EXPECT_EQ(lengthOfTime(185.7), "3 min 5 s");
     EXPECT_EQ(lengthOfTime(3600), "1 h");
@@ -157,6 +163,7 @@ TEST(ReportAxis, ElapsedTimeEndsWithTheRun)
     EXPECT_EQ(textsOf(seconds), (Texts{"0", "5", "10"}));
     EXPECT_EQ(textsOf(elapsedAxis(28e6)), (Texts{"0", "5", "10", "15", "20", "25"}));
     EXPECT_EQ(elapsedAxis(0).unit, "ms");
+    EXPECT_EQ(textsOf(elapsedAxis(0)), (Texts{"0.0", "0.2", "0.4", "0.6", "0.8", "1.0"}));
     EXPECT_EQ(elapsedAxis(400e3).unit, "ms");
     EXPECT_EQ(elapsedAxis(600e6).unit, "min");
     EXPECT_EQ(textsOf(elapsedAxis(600e6)), (Texts{"0", "2", "4", "6", "8", "10"}));
