@@ -1,10 +1,8 @@
 // Who may see the live page and press its buttons.
 #include "live/live_guard.h"
 
+#include "live/live_address.h"
 #include "live/live_reply.h"
-
-#include <algorithm>
-#include <array>
 
 namespace kxhost {
 namespace {
@@ -20,10 +18,12 @@ std::string_view withoutPort(std::string_view host)
     return isInBrackets ? host : host.substr(0, colon);
 }
 
+/// Nobody can bind an address in numbers to another computer.
 bool namesThisComputer(std::string_view host)
 {
-    constexpr std::array<std::string_view, 3> kNames = {"127.0.0.1", "localhost", "[::1]"};
-    return std::ranges::find(kNames, withoutPort(host)) != kNames.end();
+    const std::optional<LiveAddress> address =
+        parseLiveAddress(std::string(withoutPort(host)) + ":0");
+    return address && address->isLoopback;
 }
 
 /// Without "http://" or, where something before this server encrypts, "https://".
@@ -86,7 +86,7 @@ std::optional<HttpReply> refusalOf(const HttpRequest& request, const LiveRights&
 {
     const std::optional<std::string> host = request.header("Host");
     if (!host || (rights.isLoopback && !namesThisComputer(*host))) {
-        return errorReply(403, "This page answers to 127.0.0.1, localhost and [::1] only.");
+        return errorReply(403, "This page answers to localhost and loopback addresses only.");
     }
     if (isOfAnotherSite(request, *host)) {
         return errorReply(403, "Pages of other sites may not use this one.");

@@ -4,6 +4,7 @@
 #include "live/live_connection.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <csignal>
 #include <list>
 #include <vector>
@@ -25,6 +26,8 @@ using Clock = LiveConnection::Clock;
 constexpr std::size_t kMostConnections = 32;
 /// What replies have to get out when the server stops.
 constexpr auto kTimeToStop = 250ms;
+/// For how long no connection is taken after one that could not be.
+constexpr auto kTimeToRest = 100ms;
 /// How much nicer than the grab.
 constexpr int kNiceness = 5;
 
@@ -94,8 +97,10 @@ public:
     /// Waits until something happens, and does what there is to do.
     void step(Clock::time_point latest)
     {
+        const bool isResting = Clock::now() < restUntil_;
         std::vector<pollfd> polled = {pollfd{event_, POLLIN, 0},
-                                      pollfd{hasRoom() ? listener_ : -1, POLLIN, 0}};
+                                      pollfd{hasRoom() && !isResting ? listener_ : -1, POLLIN, 0}};
+        latest = isResting ? std::min(latest, restUntil_) : latest;
         for (const LiveConnection& each : connections_) {
             polled.push_back({each.socket(), each.events(), 0});
             latest = std::min(latest, each.deadline());
@@ -162,8 +167,11 @@ private:
     void accept(Clock::time_point now)
     {
         const int socket = accept4(listener_, nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC);
-        if (socket >= 0) { // otherwise it was gone before
+        if (socket >= 0) {
             connections_.emplace_back(socket, engine_, now);
+        } else if (errno != EAGAIN && errno != ECONNABORTED && errno != EINTR) {
+            // No descriptor is free: it stays there to be taken, which must not become a busy wait.
+            restUntil_ = now + kTimeToRest;
         }
     }
 
@@ -171,6 +179,7 @@ private:
     int event_;
     HttpEngine engine_;
     std::list<LiveConnection> connections_;
+    Clock::time_point restUntil_; ///< no connections are taken before
 };
 
 /// Signals are for the thread that waits for them.

@@ -37,15 +37,18 @@ int refusedPost(Headers headers, const LiveRights& rights = kLoopback)
 TEST(LiveGuard, ThisComputersNamesAreAnswered)
 {
     for (const char* host : {"127.0.0.1", "127.0.0.1:8080", "localhost", "localhost:1", "[::1]",
-                             "[::1]:8080", "localhost:9000" /* near end of a tunnel */}) {
+                             "[::1]:8080", "localhost:9000" /* near end of a tunnel */,
+                             "127.5.0.1:8080" /* --live takes these as well */, "[0:0::1]:80"}) {
         EXPECT_EQ(refusedGet({{"Host", host}}), 0) << host;
     }
 }
 
 TEST(LiveGuard, ANameThatSomebodyBoundToThisComputerIsRefused)
 {
-    for (const char* host : {"evil.example", "evil.example:8080", "127.0.0.1.evil.example", "",
-                             "localhost.evil.example:80", "127.0.0.2", "[::2]:80", "[::1", ":80"}) {
+    for (const char* host :
+         {"evil.example", "evil.example:8080", "127.0.0.1.evil.example", "",
+          "localhost.evil.example:80", "128.0.0.2", "[::2]:80", "[::1", ":80", "::1",
+          "[::ffff:127.0.0.1]", "0.0.0.0:80", "192.168.1.7", "localhost.", "127.1", "8080", "[]"}) {
         EXPECT_EQ(refusedGet({{"Host", host}}), 403) << host;
     }
     EXPECT_EQ(refusedGet({}), 403);
@@ -56,7 +59,7 @@ TEST(LiveGuard, TheRefusalSaysWhy)
 {
     const auto refusal = refusalOf(request("GET", "/", {{"Host", "evil.example"}}), kLoopback);
     EXPECT_EQ(refusal->body,
-              "{\"error\":\"This page answers to 127.0.0.1, localhost and [::1] only.\"}\n");
+              "{\"error\":\"This page answers to localhost and loopback addresses only.\"}\n");
     EXPECT_EQ(refusal->type, "application/json");
 }
 

@@ -6,11 +6,15 @@
 #include <atomic>
 #include <chrono>
 #include <csignal>
+#include <ctime>
 #include <deque>
 
 #include <arpa/inet.h>
 #include <netinet/in.h>
+#include <poll.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
+#include <unistd.h>
 
 namespace kxhost {
 namespace {
@@ -49,6 +53,11 @@ public:
             all.append(part, static_cast<std::size_t>(count));
         }
         return all;
+    }
+    bool hearsWithin(std::chrono::milliseconds time) const
+    {
+        pollfd wait{socket_.number(), POLLIN, 0};
+        return poll(&wait, 1, static_cast<int>(time.count())) == 1;
     }
     std::string ask(const std::string& text) const
     {
@@ -149,7 +158,41 @@ TEST(LiveServer, TooManyWaitForTheirTurn)
     }
     const Client late(server);
     late.say(kGet);
+    EXPECT_FALSE(late.hearsWithin(50ms)) << "the 33rd";
     silent.pop_front(); // its place becomes free
+    EXPECT_TRUE(late.hear().ends_with("hello"));
+}
+
+/// Time of a processor that this process has taken.
+std::chrono::nanoseconds processorTime()
+{
+    timespec spent{};
+    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &spent);
+    return std::chrono::seconds(spent.tv_sec) + std::chrono::nanoseconds(spent.tv_nsec);
+}
+
+rlim_t firstFreeDescriptor()
+{
+    return static_cast<rlim_t>(Descriptor(dup(STDERR_FILENO), "no descriptor").number());
+}
+
+TEST(LiveServer, WithoutAFreeDescriptorItRestsAndServesLater)
+{
+    LiveServer server(kAnyPort);
+    server.start(hello);
+    EXPECT_TRUE(Client(server).ask(kGet).ends_with("hello"));
+    rlimit before{};
+    getrlimit(RLIMIT_NOFILE, &before);
+    const rlimit oneMore{firstFreeDescriptor() + 1, before.rlim_max};
+    setrlimit(RLIMIT_NOFILE, &oneMore);
+    const Client late(server); // it is this one's
+    late.say(kGet);
+    const auto start = processorTime();
+    const bool isServed = late.hearsWithin(400ms);
+    const auto spent = processorTime() - start;
+    setrlimit(RLIMIT_NOFILE, &before);
+    EXPECT_FALSE(isServed);
+    EXPECT_LT(spent, 100ms) << "it must not wait busily";
     EXPECT_TRUE(late.hear().ends_with("hello"));
 }
 
