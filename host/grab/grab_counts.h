@@ -28,6 +28,7 @@ struct GrabCounts {
     std::atomic<std::uint64_t> tables = 0; ///< look-up tables that were computed from pictures
     std::atomic<bool> capturing = false;
     std::atomic<bool> away = false; ///< the camera was lost, and is waited for
+    std::atomic<bool> over = false; ///< no frame comes any more; what waits is written
 };
 
 } // namespace kxhost

@@ -113,6 +113,7 @@ struct Outcome {
 /// Writes what the passes left in the queue, and tells that all is done.
 void writeTheRest(Outcome& outcome)
 {
+    services().counts.over = true;
     try {
         if (services().queue != nullptr) {
             services().queue->finish();

@@ -90,6 +90,9 @@ HttpReply LivePicture::encoded()
     }
     HttpReply reply{200, "image/png", std::string(file_.begin(), file_.end()), {}};
     reply.headers.emplace_back("X-Frame-Number", std::to_string(frame_.number));
+    if (frame_.values.frameCounter) {
+        reply.headers.emplace_back("X-Frame-Counter", std::to_string(*frame_.values.frameCounter));
+    }
     return reply;
 }
 

@@ -21,7 +21,7 @@ int raiseHere(int signal)
 } // namespace
 
 LiveService::LiveService(const LiveAddress& address, const std::string& token)
-    : steering_(services().signals, raiseHere),
+    : steering_(services().signals, services().counts, raiseHere),
       routes_({address.isLoopback, token},
               {picture_, steering_, [this] { return status(); }, [this] { return ended(); }}),
       server_(address)

@@ -23,7 +23,7 @@ const char* stateOf(const LiveView& view)
     if (view.end) {
         return "ended";
     }
-    if (view.signals.finishAsked()) {
+    if (view.signals.finishAsked() || view.counts.over) {
         return "finishing";
     }
     if (view.counts.away) {

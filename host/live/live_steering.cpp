@@ -17,7 +17,7 @@ HttpReply LiveSteering::press(std::string_view word)
     if (steering == nullptr) {
         return errorReply(404, "There is no such button.");
     }
-    if (isFinishSent_ || signals_.finishAsked()) {
+    if (isFinishSent_ || signals_.finishAsked() || counts_.over) {
         return errorReply(409, "The grab is finishing.");
     }
     if (const int error = raise_(steering->signal); error != 0) {

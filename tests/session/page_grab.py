@@ -35,15 +35,20 @@ class PageGrab:
     """Starts `kxhost grab --live`; what it leaves is gone at the end of the `with` block."""
 
     def __init__(self, kxhost, *arguments, live="0", bus=BUS.format(rate=50), configuration="",
-                 environment=None, pictures="none"):
+                 environment=None, pictures="none", pipe=None):
         self.folder = tempfile.mkdtemp(prefix="kx-page-")
         self.write("bus.toml", bus)
         self.configuration = self.write("camera.toml", configuration)
         self.errors = os.path.join(self.folder, "err")
         self.output = os.path.join(self.folder, "out")
         self.token = ""
+        output_folder = os.path.join(self.folder, "pictures")
+        if pipe:  # in the place of a file of the output folder
+            os.mkdir(output_folder)
+            self.pipe = os.path.join(output_folder, pipe)
+            os.mkfifo(self.pipe)
         command = [kxhost, "grab", f"--simulate={self.folder}/bus.toml", "-c", self.configuration,
-                   "--output", os.path.join(self.folder, "pictures"),
+                   "--output", output_folder,
                    "--set", f"output.format={pictures}", "--summary", self.summary_file(),
                    "--quiet", "--live", live, *arguments]
         with open(self.errors, "wb") as errors, open(self.output, "wb") as output:
@@ -81,12 +86,21 @@ class PageGrab:
         return self.wait("the address of the page", lambda: re.search(
             r"^kxhost: The live page is at (http://(\S+):(\d+)/)$", self.said(), re.M))
 
-    def ask(self, path, method="GET", headers=None, limit_s=LIMIT_S):
+    def read_pipe(self):
+        with open(self.pipe, encoding="utf-8") as pipe:
+            return pipe.read()
+
+    def begin_to_ask(self, path, method="GET", headers=None):
+        """Sends a request; the answer is for the caller to take from the connection."""
         found = self.url()
-        connection = http.client.HTTPConnection(found[2].strip("[]"), int(found[3]), limit_s)
+        connection = http.client.HTTPConnection(found[2].strip("[]"), int(found[3]), LIMIT_S)
         shown = {"Authorization": f"Bearer {self.token}"} if self.token else {}
+        connection.request(method, path, headers={**shown, **(headers or {})})
+        return connection
+
+    def ask(self, path, method="GET", headers=None):
+        connection = self.begin_to_ask(path, method, headers)
         try:
-            connection.request(method, path, headers={**shown, **(headers or {})})
             return Answer(connection.getresponse())
         finally:
             connection.close()

@@ -5,6 +5,7 @@ Usage: session_page_browser_test.py CHROMIUM KXHOST SUPPORT_FOLDER [SCREENSHOT_F
 
 import json
 import os
+import re
 import sys
 import time
 import unittest
@@ -15,7 +16,13 @@ from page_grab import BUS, PageGrab  # noqa: E402
 
 CHROMIUM, KXHOST = sys.argv[1:3]
 SCREENSHOTS = sys.argv[4] if len(sys.argv) > 4 else None
-TOKEN = "0123456789-abcdef"
+TOKEN = "0123456789-abc%f"
+# Milliseconds between the end of a request for a picture and the next one.
+PAUSES = """(() => {
+    const all = performance.getEntriesByType("resource").filter(
+        each => each.name.endsWith("/frame.png"));
+    return all.slice(1).map((each, i) => each.startTime - all[i].responseEnd);
+})()"""
 FAULT = '[[camera.fault]]\nkind = "lose"\nframe = 5\ncount = 3\n'
 
 
@@ -25,7 +32,9 @@ class LivePageInABrowser(unittest.TestCase):
         self.browser.resize(1280, 900)
 
     def text(self, selector):
-        return self.browser.evaluate(f"document.querySelector({json.dumps(selector)}).innerText")
+        """What an element says; nothing while the page is loaded."""
+        return self.browser.evaluate(
+            f"document.querySelector({json.dumps(selector)})?.innerText || ''")
 
     def wait(self, what, condition):
         end = time.monotonic() + 60
@@ -62,7 +71,8 @@ class LivePageInABrowser(unittest.TestCase):
             self.compute_tables()
             self.finish(page)
         # Frames that do not come in time, a grab that has ended, and hints for authors of pages.
-        known = ("status of 503", "ERR_CONNECTION_REFUSED", "'level': 'verbose'")
+        known = ("status of 503", "ERR_CONNECTION_REFUSED", "ERR_CONNECTION_RESET",
+                 "ERR_EMPTY_RESPONSE", "'level': 'verbose'")
         self.assertEqual([each for each in self.browser.console
                           if not any(part in str(each) for part in known)], [])
         own = ("http://127.0.0.1:", "blob:http://127.0.0.1:", "data:")
@@ -103,6 +113,45 @@ class LivePageInABrowser(unittest.TestCase):
             self.wait("its return", lambda: self.text("#state") == "grabbing")
             page.process.kill()
             self.wait("silence", lambda: self.text("#state") == "no answer from kxhost")
+            self.browser.evaluate('press("reload")')
+            self.assertEqual(self.text("#answer"),
+                             "kxhost does not answer; whether it did anything is not known.")
+
+    def test_the_grab_that_follows_is_shown_as_its_own(self):
+        with PageGrab(KXHOST) as page:
+            address, port = page.url()[1], page.url()[3]
+            self.browser.open(address)
+            self.wait("a picture", self.frame)
+            page.ask("/finish", "POST")
+            self.wait("the end", lambda: self.text("#state") == "ended")
+            self.assertEqual(page.end(), 0)
+        with PageGrab(KXHOST, live=port) as page:
+            self.wait("the other one", lambda: self.text("#state") == "grabbing")
+            self.wait("its process", lambda: str(page.process.pid) in self.text("#what"))
+            self.wait("its picture", self.frame)
+
+    def test_the_caption_is_that_of_the_picture(self):
+        # The camera counts from 0, its first frame starts the timing, and three are lost.
+        fault = '[[camera.fault]]\nkind = "lose"\nframe = 2\ncount = 3\n'
+        unpaced = BUS.format(rate=20).replace("paced = true", "paced = false")
+        with PageGrab(KXHOST, bus=unpaced + fault) as page:
+            self.browser.open(page.url()[1])
+            first = self.wait("a picture", self.frame)
+            self.wait("another picture", lambda: self.frame() > first)
+            self.wait("the caption", lambda: self.text("#caption"))
+            for _ in range(20):
+                caption = self.browser.evaluate("showAge(), byId('caption').innerText")
+                self.assertRegex(caption, r"^Frame \d+ · 64 × 48 MONO8T · camera's counter \d+$")
+                numbers = re.findall(r"\d+", caption)
+                self.assertEqual(int(numbers[-1]) - int(numbers[0]), 3)
+                time.sleep(0.05)
+
+    def test_who_waits_for_a_slow_camera_asks_on(self):
+        with PageGrab(KXHOST, "--wait", "600", bus="") as page:
+            self.browser.open(page.url()[1])
+            pauses = self.wait("requests in vain", lambda: (lambda all: len(all) > 3 and all)(
+                self.browser.evaluate(PAUSES)))
+            self.assertLess(min(pauses), 500)  # so long a frame that nobody fetched is kept
 
     def test_a_token_is_asked_for(self):
         with PageGrab(KXHOST, live="0.0.0.0:0", environment={"KXHOST_LIVE_TOKEN": TOKEN}) as page:
@@ -115,6 +164,10 @@ class LivePageInABrowser(unittest.TestCase):
             self.browser.write("#token", TOKEN)
             self.browser.click("#token-form button")
             self.wait("a picture", self.frame)
+            self.browser.evaluate("sessionStorage.clear()")
+            self.browser.open("about:blank")
+            self.browser.open(url + "#token=" + TOKEN)
+            self.wait("a picture without a question", self.frame)
 
     def test_nothing_is_wider_than_the_window(self):
         colour = BUS.format(rate=20).replace("width = 64, height = 48", "width = 1280, height = 960")

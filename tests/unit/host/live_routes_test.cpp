@@ -32,20 +32,22 @@ protected:
     {
         const std::vector<std::uint8_t> pixels(8, level);
         const FrameInfo info{Instance::kRaw, 4, 2, "MONO8T", number};
-        tap_.look({number, info, pixels, {}});
+        tap_.look({number, info, pixels, values_});
     }
 
     /// The time stands still but for this.
     static void timePasses(std::chrono::milliseconds time) { now_ += time; }
 
     static inline LiveTap::Clock::time_point now_{1h};
+    ScenarioValues values_; ///< of frames that come
     PendingSignals signals_;
+    GrabCounts counts_;
     std::vector<int> raised_;
     int error_ = 0; ///< of raising
     std::optional<LiveEnd> end_;
     LiveTap tap_{[] { return now_; }};
     LivePicture picture_{tap_};
-    LiveSteering steering_{signals_, [this](int signal) {
+    LiveSteering steering_{signals_, counts_, [this](int signal) {
                                raised_.push_back(signal);
                                return error_;
                            }};
@@ -159,6 +161,15 @@ TEST_F(LiveRoutesTest, AfterASignalFromElsewhereTooItFinishesOnce)
     EXPECT_TRUE(raised_.empty());
 }
 
+TEST_F(LiveRoutesTest, WhileTheLastFramesAreWrittenNoButtonDoesAnything)
+{
+    counts_.over = true;
+    for (const char* word : {"finish", "reload", "lut", "lut12"}) {
+        EXPECT_EQ(press(word).status, 409) << word;
+    }
+    EXPECT_TRUE(raised_.empty());
+}
+
 TEST_F(LiveRoutesTest, ASignalThatCannotBeSentIsSaid)
 {
     error_ = EPERM;
@@ -180,6 +191,16 @@ TEST_F(LiveRoutesTest, AFrameIsAskedForWhenSomebodyLooks)
     EXPECT_EQ(reply.type, "image/png");
     EXPECT_TRUE(reply.body.starts_with("\x89PNG")) << reply.body.substr(0, 4);
     EXPECT_EQ(reply.headers.front(), (std::pair<std::string, std::string>{"X-Frame-Number", "5"}));
+    EXPECT_NE(reply.headers[1].first, "X-Frame-Counter") << "the camera does not count";
+}
+
+TEST_F(LiveRoutesTest, APictureHasTheCamerasNumberOfIt)
+{
+    values_.frameCounter = 77;
+    ask("GET", "/frame.png", false);
+    frameComes(5, 200);
+    EXPECT_EQ(get("/frame.png").headers[1],
+              (std::pair<std::string, std::string>{"X-Frame-Counter", "77"}));
 }
 
 TEST_F(LiveRoutesTest, WhoLooksTogetherSharesAPictureAndALaterOneIsNew)

@@ -36,6 +36,9 @@ TEST_F(LiveStatusTest, TheStateIsWhatMattersMost)
     EXPECT_EQ(state(), "grabbing");
     counts_.away = true;
     EXPECT_EQ(state(), "lost");
+    counts_.over = true;
+    EXPECT_EQ(state(), "finishing");
+    counts_.over = false;
     signals_.post(kFinishTerminate);
     EXPECT_EQ(state(), "finishing");
     end_ = LiveEnd{5, "Lost."};
