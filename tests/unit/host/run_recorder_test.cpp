@@ -219,7 +219,8 @@ TEST_F(Recorder, ATimeThatStandsStillIsNoClock)
         values.times.steadyUs = 1'000'000U * static_cast<unsigned>(frame);
         show(values);
     }
-    for (const kxhost::RunBucket& bucket : recorder_.record().series.buckets()) {
+    const RunRecord record = recorder_.record();
+    for (const kxhost::RunBucket& bucket : record.series.buckets()) {
         EXPECT_EQ(bucket.stampError.count(), 0U);
     }
 }
