@@ -145,10 +145,19 @@ protected:
     /// No frame is lost, unless the machine stalls. Returns how often capture started again.
     std::size_t expectFrames() const
     {
-        const bool isSteady = watch_ && watch_->longest() < kStall;
-        return isSteady ? kxtest::expectNothingLost(session_)
-                        : kxtest::expectNothingLostBehindTheCamera(session_);
+        return isSteady() ? kxtest::expectNothingLost(session_)
+                          : kxtest::expectNothingLostBehindTheCamera(session_);
     }
+
+    /// What the box has heard and answered, unless the machine stalls, which can spoil a word.
+    void expectHeard(const std::vector<std::string>& expected) const
+    {
+        if (isSteady()) {
+            EXPECT_EQ(heard(), expected) << kxtest::readText(boxLog());
+        }
+    }
+
+    bool isSteady() const { return watch_ && watch_->longest() < kStall; }
 
     GrabSession session_;
     std::optional<kxtest::StallWatch> watch_;
@@ -196,8 +205,7 @@ TEST_F(SessionIobox, AReplyComesWithAFrameAndTheStrobeComesBack)
     grab.waitForMoreFrames(5);
     finish(grab);
 
-    EXPECT_EQ(heard(),
-              (std::vector<std::string>{"command 0x00000392 10", "reply   0x00000155 10"}));
+    expectHeard({"command 0x00000392 10", "reply   0x00000155 10"});
     EXPECT_EQ(framesWithWord(), std::vector{frame});
     EXPECT_EQ(session_.summary()["received"],
               (Json{{"words", 1},
@@ -229,7 +237,7 @@ TEST_F(SessionIobox, ACommandNeedsNoReply)
     grab.waitForLog("sent data 0x00000005 (3 bits)");
     grab.waitForMoreFrames(5);
     finish(grab);
-    EXPECT_EQ(heard(), std::vector<std::string>{"command 0x0000000A 4"});
+    expectHeard({"command 0x0000000A 4"});
     EXPECT_EQ(framesWithWord(), std::vector<Json>{});
     EXPECT_EQ(session_.summary()["received"], (Json{{"words", 0}, {"last", nullptr}}));
 }
@@ -276,9 +284,7 @@ TEST_F(SessionIobox, EachPassSendsTheCommandAsItIsThen)
     grab.waitForLog("sent data 0x00000001 (2 bits)");
     grab.waitForMoreFrames(5);
     finish(grab);
-    EXPECT_EQ(heard(), (std::vector<std::string>{"command 0x00000002 2", "command 0x00000001 2",
-                                                 "command 0x00000001 2"}))
-        << kxtest::readText(boxLog());
+    expectHeard({"command 0x00000002 2", "command 0x00000001 2", "command 0x00000001 2"});
 }
 
 /// The plug-in leaves an input alone that only has other parameters, so the grab starts again.
@@ -313,7 +319,9 @@ TEST_F(SessionIobox, TheExampleOfACommandSendsIt)
 {
     runExample("command.toml");
     ASSERT_FALSE(heard().empty());
-    EXPECT_EQ(heard()[0], "command 0x00000392 10");
+    if (isSteady()) {
+        EXPECT_EQ(heard()[0], "command 0x00000392 10");
+    }
     EXPECT_EQ(framesWithWord(), std::vector<Json>{});
 }
 
